@@ -1,0 +1,17 @@
+#include "connection/broken_pipe.h"
+
+#include <csignal>
+
+namespace {
+
+extern "C" void DoNothing(int /*signal*/) {}
+
+}  // namespace
+
+void SurviveBrokenPipe() {
+  struct sigaction action = {};
+  action.sa_handler = DoNothing;
+  action.sa_flags = SA_RESTART;
+  (void)sigemptyset(&action.sa_mask);
+  (void)sigaction(SIGPIPE, &action, nullptr);
+}

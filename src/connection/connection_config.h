@@ -1,0 +1,42 @@
+// Where the local Redis server listens and with what password, read from the server's own files.
+#ifndef OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_
+#define OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+enum ConnectionType : std::int32_t { UnixSocket = 1, Tcp = 2 };
+
+struct ConnectionConfig {
+  std::int32_t type = 0;    ///< A ConnectionType; 0 until it is known.
+  std::int32_t port = 0;    ///< TCP port; 0 with a Unix socket.
+  std::string socket_path;  ///< At most 1023 bytes.
+  std::string password;     ///< At most 1023 bytes; empty means no authentication.
+  std::string host;         ///< TCP host; empty means 127.0.0.1.
+};
+
+/// Finds the server: /etc/redis/redis.conf names the server's runtime directory (that of its
+/// "unixsocket" line), where the files redis.port, redis.unixsocket and redis.requirepass are read,
+/// in this order. The result of the first success is remembered in ConnectionConfigCopy; later
+/// calls return a copy of it and read nothing.
+///
+/// A socket path with port 0 gives a Unix socket. No socket path with port 6379 gives TCP; no other
+/// port is accepted. A socket path wins over any port. With neither, the path is "(null)", where
+/// nothing listens, so that connecting fails.
+///
+/// Returns nothing when the shell cannot be started, the port file is missing, empty or holds
+/// anything but digits and line feeds, the port overflows, or there is no socket and the port is
+/// not the default one. Prints, through perror, "fopen" for each file that cannot be opened and
+/// "strtol" when the port overflows; what the shell's commands print on standard error passes
+/// through.
+std::optional<ConnectionConfig> ReadConnectionConfig();
+
+/// Reads the first line, at most 1023 bytes, of the file "redis." + key in directory. Its line end
+/// is kept. Both arguments are NUL-terminated; key may be null.
+///
+/// Returns nothing when key is null, key and directory are 1024 bytes or longer together, the file
+/// cannot be opened (then perror prints "fopen"), or nothing can be read from it.
+std::optional<std::string> ReadConfigValue(const char* key, const std::string& directory);
+
+#endif  // OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_

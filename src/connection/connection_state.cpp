@@ -1,0 +1,5 @@
+#include "connection/connection_state.h"
+
+std::optional<ConnectionConfig> ConnectionConfigCopy;
+
+void ResetConnectionState() { ConnectionConfigCopy.reset(); }
