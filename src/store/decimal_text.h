@@ -1,0 +1,10 @@
+#ifndef OSTRAFEL_STORE_DECIMAL_TEXT_H_
+#define OSTRAFEL_STORE_DECIMAL_TEXT_H_
+
+#include <cstdint>
+#include <string>
+
+/// The shortest decimal text of value: "-" for negatives, no leading zeros, no grouping.
+[[nodiscard]] std::string DecimalText(std::int32_t value);
+
+#endif  // OSTRAFEL_STORE_DECIMAL_TEXT_H_

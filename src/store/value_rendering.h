@@ -1,0 +1,26 @@
+// The stored text of a scalar JSON value.
+#ifndef OSTRAFEL_STORE_VALUE_RENDERING_H_
+#define OSTRAFEL_STORE_VALUE_RENDERING_H_
+
+#include <jansson.h>
+
+#include <string>
+
+/// Renders a scalar as it is stored:
+///   string   in double quotes, a backslash before every backslash and double quote, nothing else
+///            escaped
+///   integer  truncated to 32 bits at the nearer bound (readers hold it in 32 bits), in decimal
+///   real     as printf's "%f", less its trailing zeros; the point stays: 5.0 is "5."
+///   true, false, null  the word
+/// Returns the empty text for a null handle, an object or an array. No scalar's text is empty. The
+/// value is borrowed.
+[[nodiscard]] std::string RenderValue(const json_t* value);
+
+/// Puts a backslash before every backslash and double quote of text, in place.
+void EscapeText(std::string& text);
+
+/// Replaces every occurrence of from in text by to, in place, from left to right. What was put in
+/// is not searched again. from must not be empty.
+void ReplaceAll(std::string& text, const std::string& from, const std::string& to);
+
+#endif  // OSTRAFEL_STORE_VALUE_RENDERING_H_
