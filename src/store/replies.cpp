@@ -1,0 +1,45 @@
+#include "store/replies.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// A cursor and the items found.
+bool IsScanReply(const redisReply* reply) {
+  return reply != nullptr && reply->type == REDIS_REPLY_ARRAY && reply->elements >= 2 &&
+         reply->element[0]->type == REDIS_REPLY_STRING && IsArrayOfStrings(reply->element[1]);
+}
+
+}  // namespace
+
+bool ReadPipelinedReply(redisContext* context, Reply* reply) {
+  void* received = nullptr;
+  const bool was_read = redisGetReply(context, &received) == REDIS_OK;
+  reply->reset(static_cast<redisReply*>(received));
+  if (!was_read) (void)std::fputs("Failed to get reply\n", stderr);
+  return was_read;
+}
+
+bool IsArrayOfStrings(const redisReply* reply) {
+  if (reply == nullptr || reply->type != REDIS_REPLY_ARRAY) return false;
+  for (std::size_t i = 0; i < reply->elements; ++i) {
+    if (reply->element[i]->type != REDIS_REPLY_STRING) return false;
+  }
+  return true;
+}
+
+unsigned ScanAll(const std::function<Reply(int cursor)>& ask, std::size_t step,
+                 const std::function<unsigned(const std::string& item)>& take) {
+  long cursor = 0;
+  do {
+    const Reply reply = ask(static_cast<int>(cursor));
+    if (!IsScanReply(reply.get())) return 0;
+    cursor = std::strtol(reply->element[0]->str, nullptr, 10);
+    const redisReply& items = *reply->element[1];
+    for (std::size_t i = 0; i < items.elements; i += step) {
+      if (take(std::string(items.element[i]->str, items.element[i]->len)) == 0) return 0;
+    }
+  } while (cursor != 0);
+  return 1;
+}

@@ -1,0 +1,38 @@
+// Asking the server and reading what it answers.
+#ifndef OSTRAFEL_STORE_REPLIES_H_
+#define OSTRAFEL_STORE_REPLIES_H_
+
+#include <hiredis/hiredis.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+#include "handles.h"
+
+/// Sends one command, formatted by hiredis, and waits for its reply. Every "%s" takes a
+/// NUL-terminated text and every "%d" an int; data is never part of the format. Returns nothing
+/// when the connection is broken.
+template <typename... Arguments>
+[[nodiscard]] Reply Ask(redisContext* context, const char* format, Arguments... arguments) {
+  return Reply(static_cast<redisReply*>(redisCommand(context, format, arguments...)));
+}
+
+/// Reads the reply of the next command in the pipeline into reply. Returns false, and prints
+/// "Failed to get reply\n", when it cannot be read. A reply that is read may still be empty.
+[[nodiscard]] bool ReadPipelinedReply(redisContext* context, Reply* reply);
+
+/// True when reply is an array that holds strings only.
+[[nodiscard]] bool IsArrayOfStrings(const redisReply* reply);
+
+/// Runs a whole SCAN or HSCAN: calls ask with the cursor, 0 at first, and then with each one that
+/// the server answers, until that is 0 again; gives every step-th item of each answer, in order, to
+/// take (step 2 takes the field names of an HSCAN). The cursor is narrowed to an int, because it is
+/// sent with "%d".
+///
+/// Returns 1 at the end; 0 at once when take returns 0, or when a reply is missing or not of the
+/// shape that SCAN answers, in which case none of its items is taken.
+[[nodiscard]] unsigned ScanAll(const std::function<Reply(int cursor)>& ask, std::size_t step,
+                               const std::function<unsigned(const std::string& item)>& take);
+
+#endif  // OSTRAFEL_STORE_REPLIES_H_
