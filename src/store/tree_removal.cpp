@@ -1,0 +1,46 @@
+#include "store/tree_removal.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+
+#include "store/replies.h"
+
+namespace {
+
+// Formats that take the uri.
+using Patterns = std::array<const char*, 3>;
+constexpr Patterns kPatterns = {"keys %s", "keys %s/*", "keys &&%s/*"};
+constexpr Patterns kPatternsAfterSlash = {"keys %s", "keys %s*", "keys &&%s*"};
+
+// Deletes the keys that a KEYS command found. Returns 0 when a reply cannot be read.
+unsigned DeleteKeys(redisContext* context, const redisReply& found) {
+  for (std::size_t i = 0; i < found.elements; ++i) {
+    // A command that cannot be appended makes the reading of its reply fail.
+    (void)redisAppendCommand(context, "del %s", found.element[i]->str);
+  }
+  for (std::size_t i = 0; i < found.elements; ++i) {
+    Reply reply;
+    if (!ReadPipelinedReply(context, &reply)) return 0;
+  }
+  return 1;
+}
+
+}  // namespace
+
+unsigned RemoveResourceTree(redisContext* context, const char* uri) {
+  try {
+    const std::string text(uri);
+    const bool ends_with_slash = text.at(text.size() - 1) == '/';
+    for (const char* pattern : ends_with_slash ? kPatternsAfterSlash : kPatterns) {
+      const Reply found = Ask(context, pattern, text.c_str());
+      if (IsArrayOfStrings(found.get()) && DeleteKeys(context, *found) == 0) return 0;
+    }
+  } catch (const std::length_error& error) {
+    (void)std::fprintf(stderr, "Failed to push data: %s.\n", error.what());
+    return 0;
+  }
+  return 1;
+}

@@ -1,0 +1,19 @@
+#ifndef OSTRAFEL_STORE_TREE_REMOVAL_H_
+#define OSTRAFEL_STORE_TREE_REMOVAL_H_
+
+#include <hiredis/hiredis.h>
+
+/// Deletes, at once, every key of the tree under uri: the keys that match
+///   uri, uri/*, &&uri/*    or, for a uri that ends with a slash,    uri, uri*, &&uri*
+/// (KEYS), one pattern after the other, the keys found for one (DEL, one key each, as one pipeline)
+/// before the next is sent. So "&&" + uri itself is kept without a final slash and deleted with
+/// one. Glob characters in uri keep their meaning.
+///
+/// uri is a NUL-terminated text; an empty one raises out_of_range, a null one logic_error. Returns
+/// 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed is passed over,
+/// and what DEL answers does not matter. Returns 0 when the reply of a DEL cannot be read (prints
+/// "Failed to get reply\n") or the uri is too long for the standard library (prints "Failed to push
+/// data: %s.\n").
+[[nodiscard]] unsigned RemoveResourceTree(redisContext* context, const char* uri);
+
+#endif  // OSTRAFEL_STORE_TREE_REMOVAL_H_
