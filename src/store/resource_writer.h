@@ -1,0 +1,53 @@
+// Writes JSON resources into the store, in the layout of layout.h. Records are queued in the
+// batches of command_batches.h; in an update (MergeMode) each member is pruned first (pruning.h).
+//
+// Operations return 1 (success) or 0 (failure). A nested object or array stops at its first failure
+// and passes it up; the top level goes on. Records already queued are not withdrawn. Names and
+// indices of in_list calls: the parent is then a list, name the element's decimal index. Texts that
+// the standard library refuses raise its logic errors, which the caller handles.
+#ifndef OSTRAFEL_STORE_RESOURCE_WRITER_H_
+#define OSTRAFEL_STORE_RESOURCE_WRITER_H_
+
+#include <hiredis/hiredis.h>
+#include <jansson.h>
+
+#include <string>
+
+/// Writes the members of root (borrowed, an object) into the hash at key, unless this run wrote
+/// that key before. Every member is attempted; the result is that of the last one.
+[[nodiscard]] unsigned WriteResource(redisContext* context, const std::string& key, json_t* root);
+
+/// Writes an object member or element: a link (WriteObjectReference), or a reference record in the
+/// parent and then the members into a hash of their own, at the "@odata.id" value when there is
+/// one. An id that was written before in this run gets only its record. A link that could not be
+/// written goes on as an object stored under its id. Fails on an "@odata.id" that is not a string.
+[[nodiscard]] unsigned WriteObjectProperty(redisContext* context, const std::string& parent_key,
+                                           const std::string& name, json_t* value, bool in_list);
+
+/// Writes the elements of an array member or element into a list of its own and then, after them,
+/// the reference record in the parent.
+[[nodiscard]] unsigned WriteArrayProperty(redisContext* context, const std::string& parent_key,
+                                          const std::string& name, json_t* value, bool in_list);
+
+/// Writes the reference record of an object that holds nothing but an "@odata.id" string. In an
+/// update, removes what the member was before: an inline object, told by its record in the parent
+/// hash (HEXISTS, at once), goes with everything below it; an answer that is missing or an error
+/// counts as none.
+///
+/// Returns 0 for any other object and when a step failed, which the caller does not tell apart.
+[[nodiscard]] unsigned WriteObjectReference(redisContext* context, const std::string& parent_key,
+                                            const std::string& name, json_t* value, bool in_list);
+
+/// Writes a scalar: with a name, as a field of the hash at key (pruned first in an update); without
+/// one (null), as the next value of the list at key. Fails on a value that RenderValue does not
+/// render and prints "get value of %s/%s fail" with key and name, without a line end.
+[[nodiscard]] unsigned WriteScalarProperty(redisContext* context, const std::string& key,
+                                           const char* name, const json_t* value);
+
+/// Writes a string member of a reserved name, escaped but not quoted, without pruning. Returns 0
+/// for any other member and when it could not be queued; the caller then writes it as a plain
+/// scalar.
+[[nodiscard]] unsigned WriteReservedProperty(redisContext* context, const std::string& key,
+                                             const std::string& name, const json_t* value);
+
+#endif  // OSTRAFEL_STORE_RESOURCE_WRITER_H_
