@@ -1,0 +1,8 @@
+#ifndef OSTRAFEL_DRIVER_EQUALS_IGNORE_CASE_H_
+#define OSTRAFEL_DRIVER_EQUALS_IGNORE_CASE_H_
+
+/// True when a and b (NUL-terminated) have the same length and the same characters after tolower.
+/// Two empty texts are equal.
+[[nodiscard]] bool EqualsIgnoreCase(const char* a, const char* b);
+
+#endif  // OSTRAFEL_DRIVER_EQUALS_IGNORE_CASE_H_

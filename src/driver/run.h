@@ -1,0 +1,15 @@
+#ifndef OSTRAFEL_DRIVER_RUN_H_
+#define OSTRAFEL_DRIVER_RUN_H_
+
+/// One run of Ostrafel, from the command line to the exit status: checks the arguments, connects,
+/// carries out the action, lists the files to load, loads and writes them one after the other,
+/// sends what still waits in the batches. Takes what main takes.
+///
+/// Returns 0 and prints ">>> Ostrafel parsing successfully." on standard output, or returns -1 (the
+/// shell sees 255) after the messages of the step that failed, all on standard error. The
+/// connection is closed exactly once on every path that opened it. A failed run leaves in the store
+/// what was sent before and drops what waits. Of the exceptions that the standard library raises
+/// only logic errors are handled here; any other ends the process.
+int RunOstrafel(int argc, char** argv);
+
+#endif  // OSTRAFEL_DRIVER_RUN_H_

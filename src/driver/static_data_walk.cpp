@@ -1,0 +1,80 @@
+#include "driver/static_data_walk.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <stdexcept>
+
+#include "driver/equals_ignore_case.h"
+#include "handles.h"
+
+namespace {
+
+std::string ChildKey(const std::string& key, const std::string& name) {
+  std::string child_key = key;
+  if (key.empty() || key.back() != '/') child_key += '/';
+  return child_key += name;
+}
+
+}  // namespace
+
+bool AppendToLoadList(const std::string& path, const std::string& key, LoadList* list) {
+  try {
+    list->paths.push_back(path);
+    list->keys.push_back(key);
+  } catch (const std::length_error& error) {
+    (void)std::fprintf(stderr, "Failed to push data: %s.\n", error.what());
+    return false;
+  }
+  return true;
+}
+
+bool IsDirectory(const std::string& path) {
+  struct stat status = {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsJsonFile(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) {
+    (void)std::fprintf(stderr, "Failed to check path %s.\n", path.c_str());
+    return false;
+  }
+  const std::size_t point = path.rfind('.');
+  return S_ISREG(status.st_mode) && point != std::string::npos &&
+         EqualsIgnoreCase(path.c_str() + point, ".json");
+}
+
+bool FileNameEquals(const std::string& path, const std::string& name) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return false;
+  try {
+    return path.substr(slash + 1) == name;
+  } catch (const std::out_of_range& error) {
+    (void)std::fprintf(stderr, "Failed to get sub string %s.\n", error.what());
+    return false;
+  }
+}
+
+bool WalkStaticData(const std::string& directory, const std::string& key,
+                    const std::string& file_name, LoadList* list) {
+  const Directory opened(opendir(directory.c_str()));
+  if (!opened) return false;
+  while (true) {
+    errno = 0;
+    const dirent* entry = readdir(opened.get());
+    // A listing cut short by an error must not pass for a whole one.
+    if (entry == nullptr) return errno == 0;
+
+    const std::string name = entry->d_name;
+    std::string path = directory;
+    path.append("/").append(name);
+    if (IsJsonFile(path) && FileNameEquals(path, file_name)) {
+      if (!AppendToLoadList(path, key, list)) return false;
+    } else if (name != "." && name != ".." && IsDirectory(path)) {
+      if (!WalkStaticData(path, ChildKey(key, name), file_name, list)) return false;
+    }
+  }
+}
