@@ -1,0 +1,17 @@
+#include "driver/usage.h"
+
+#include <gtest/gtest.h>
+
+#include "driver/usage_text.h"
+
+namespace {
+
+TEST(Usage, IsPrintedOnStandardErrorAsItStands) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  PrintUsage();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), kUsageText);
+}
+
+}  // namespace

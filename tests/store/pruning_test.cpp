@@ -1,0 +1,472 @@
+#include "store/pruning.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "store/command_batches.h"
+#include "store/store_fixture.h"
+#include "store/store_state.h"
+
+namespace {
+
+constexpr bool kInList = true;
+constexpr bool kInHash = false;
+
+class Pruning : public StoreTest {};
+class StaleKeys : public StoreTest {};
+class PlainLists : public StoreTest {};
+class PrunedPrefix : public StoreTest {};
+class MatchingKeys : public StoreTest {};
+class MatchingFields : public StoreTest {};
+class RemovalQueue : public StoreTest {};
+
+// The removals that leave a hash for every former shape of one of its members.
+std::string FieldRemovals(const std::string& key, const std::string& name,
+                          const std::string& child_key) {
+  return "HDEL | " + key + " | " + name + "\n" + "HDEL | " + key + " | &&Array " + name + " " +
+         child_key + "\n" + "HDEL | " + key + " | &&ObjectRef " + name + " " + child_key + "\n" +
+         "HDEL | " + key + " | &&Object " + name + " " + child_key + "\n";
+}
+
+TEST_F(Pruning, AScalarWithNothingStoredCostsTwoRoundTripsAndFourRemovals) {
+  ASSERT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 1U);
+  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
+  EXPECT_EQ(RemovalBatchCount, 4U);
+  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nHSCAN | /r | 0 | MATCH | &&ObjectRef A *\n");
+}
+
+TEST_F(Pruning, EveryLinkOfTheMemberGoesWhateverItPointsTo) {
+  (void)store.Run(
+      "HSET | /r | &&ObjectRef A /x |  | &&ObjectRef A /y/z |  | &&ObjectRef A B /x |  | "
+      "&&ObjectRef AB /x |  | &&ObjectRef B /x | ");
+  ASSERT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 1U);
+  ASSERT_EQ(RemovalBatchCount, 7U);  // the links of "A B" match as well
+  ASSERT_EQ(RemovalBatch.hash_fields.size(), 1U);
+  (void)store.Run("HSET | /r | kept | 1");
+  (void)Sent();
+  for (const std::string& field : RemovalBatch.hash_fields.at("/r")) {
+    (void)store.Run(model::Command{"HDEL", "/r", field});
+  }
+  EXPECT_EQ(store.Dump(),
+            "hash | /r | &&ObjectRef AB /x | \n"
+            "hash | /r | &&ObjectRef B /x | \n"
+            "hash | /r | kept | 1\n");
+}
+
+TEST_F(Pruning, AScalarThatWasAnObjectTakesItsSubtreeAndTwinsAway) {
+  (void)store.Run("HSET | &&/r/A | x | 1");
+  (void)store.Run("RPUSH | &&/r/A/List | 1");
+  ASSERT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 1U);
+  EXPECT_EQ(PendingRemovalsText(),
+            "UNLINK | &&/r/A\nUNLINK | &&/r/A/List\n" + FieldRemovals("/r", "A", "&&/r/A"));
+  EXPECT_EQ(Sent(),
+            "TYPE | &&/r/A\n--\n"
+            "SCAN | 0 | MATCH | &&/r/A/* | COUNT | 1000\n--\n"
+            "HSCAN | /r | 0 | MATCH | &&ObjectRef A *\n");
+}
+
+TEST_F(Pruning, AnObjectThatWasAHashKeepsEverythingBelowIt) {
+  (void)store.Run("HSET | &&/r/A | x | 1");
+  (void)store.Run("HSET | &&/r/A/B | y | 2");
+  ASSERT_EQ(PruneProperty(context(), "/r", "A", "&&/r/A", kInHash, StoredHash), 1U);
+  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
+  EXPECT_TRUE(PrunedPrefixes.empty());
+}
+
+TEST_F(Pruning, AnArrayThatWasAnObjectTakesTheHashAwayWithAllBelowIt) {
+  (void)store.Run("HSET | &&/r/A | x | 1");
+  (void)store.Run("HSET | &&/r/A/B | y | 2");
+  ASSERT_EQ(PruneProperty(context(), "/r", "A", "&&/r/A", kInHash, StoredList), 1U);
+  EXPECT_EQ(PendingRemovalsText(),
+            "UNLINK | &&/r/A\nUNLINK | &&/r/A/B\n" + FieldRemovals("/r", "A", "&&/r/A"));
+}
+
+TEST_F(Pruning, TheChildKeyIsTakenAsGiven) {
+  ASSERT_EQ(PruneProperty(context(), "/r", "A", "/x//y", kInHash, StoredHash), 1U);
+  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "/x//y"));
+  EXPECT_EQ(Sent(), "TYPE | /x//y\n--\nHSCAN | /r | 0 | MATCH | &&ObjectRef A *\n");
+}
+
+TEST_F(Pruning, AnEmptyChildKeyIsDerivedFromTheNameAndNormalized) {
+  ASSERT_EQ(PruneProperty(context(), "/r//", "A", "", kInHash, StoredHash), 1U);
+  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r//", "A", "&&/r/A"));
+}
+
+TEST_F(Pruning, AnElementOfAListLosesEqualElementsAndCostsNoFieldSearch) {
+  ASSERT_EQ(PruneProperty(context(), "&&/r/L", "2", "&&/r/L/2", kInList, StoredHash), 1U);
+  EXPECT_EQ(PendingRemovalsText(),
+            "LREM | &&/r/L | 0 | 2\n"
+            "LREM | &&/r/L | 0 | &&Array &&/r/L/2\n"
+            "LREM | &&/r/L | 0 | &&ObjectRef &&/r/L/2\n"
+            "LREM | &&/r/L | 0 | &&Object &&/r/L/2\n");
+  EXPECT_EQ(Sent(), "TYPE | &&/r/L/2\n");
+}
+
+TEST_F(Pruning, StopsWhenTheTypeCannotBeRead) {
+  recorder.Answer(0, "-NOPERM no\r\n");
+  EXPECT_EQ(
+      Printed([&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); }),
+      "");
+  EXPECT_EQ(PendingRemovalsText(), "");
+  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n");
+}
+
+TEST_F(Pruning, KeepsWhatItQueuedWhenTheLinksCannotBeRead) {
+  (void)store.Run("SET | /r | in the way");
+  EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U);
+  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
+}
+
+TEST_F(Pruning, StopsAtAFailedFlush) {
+  (void)store.Run("SET | s | in the way");
+  RemovalBatch.hash_fields["s"] = {"f"};
+  RemovalBatchCount = BatchLimit;
+  EXPECT_EQ(
+      Printed([&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); }),
+      "Some errors occur while removing data from database\n"
+      "The data in database would be incorrect\n");
+  EXPECT_EQ(PendingRemovalsText(), "");
+  EXPECT_EQ(RemovalBatchCount, BatchLimit);
+  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nHDEL | s | f\n");
+}
+
+TEST_F(StaleKeys, WhatIsThereIsComparedWithWhatIsExpected) {
+  const struct {
+    const char* fill;
+    ExpectedKind expected;
+    bool is_stale;
+  } cases[] = {
+      {nullptr, StoredHash, false},
+      {nullptr, StoredList, false},
+      {nullptr, StoredNone, false},
+      {"HSET | k | f | v", StoredHash, false},
+      {"HSET | k | f | v", StoredList, true},
+      {"HSET | k | f | v", StoredNone, true},
+      {"RPUSH | k | v", StoredHash, true},
+      {"RPUSH | k | v", StoredList, true},  // lists are rebuilt whole
+      {"RPUSH | k | v", StoredNone, true},
+      {"SET | k | v", StoredHash, true},
+      {"SET | k | v", StoredList, true},
+      {"SET | k | v", StoredNone, true},
+  };
+  for (const auto& c : cases) {
+    (void)store.Run("FLUSHALL");
+    ResetStoreState();
+    if (c.fill != nullptr) (void)store.Run(c.fill);
+    EXPECT_EQ(PruneStaleKey(context(), "k", c.expected), 1U);
+    EXPECT_EQ(PendingRemovalsText(), c.is_stale ? "UNLINK | k\n" : "")
+        << (c.fill == nullptr ? "nothing" : c.fill) << " as " << c.expected;
+  }
+}
+
+TEST_F(StaleKeys, ATypeThatOnlyBeginsWithNoneIsNothing) {
+  recorder.Answer(0, "+nonesuch\r\n");
+  EXPECT_EQ(PruneStaleKey(context(), "k", StoredHash), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "");
+}
+
+TEST_F(StaleKeys, ATypeThatOnlyBeginsAsExpectedIsStale) {
+  recorder.Answer(0, "+hashes\r\n");
+  EXPECT_EQ(PruneStaleKey(context(), "k", StoredHash), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | k\n");
+}
+
+TEST_F(StaleKeys, AListOfPlainValuesIsNotScannedBelow) {
+  (void)store.Run("RPUSH | &&/r/A | 1 | 2");
+  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A", StoredList), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\n");
+  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nLINDEX | &&/r/A | 0\n");
+}
+
+TEST_F(StaleKeys, AListOfRecordsIsScannedBelow) {
+  (void)store.Run("RPUSH | &&/r/A | &&Object &&/r/A/0");
+  (void)store.Run("HSET | &&/r/A/0 | x | 1");
+  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A", StoredList), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\nUNLINK | &&/r/A/0\n");
+  EXPECT_EQ(Sent(),
+            "TYPE | &&/r/A\n--\nLINDEX | &&/r/A | 0\n--\n"
+            "SCAN | 0 | MATCH | &&/r/A/* | COUNT | 1000\n");
+}
+
+TEST_F(StaleKeys, AMarkerWithNothingBehindItIsAPlainValue) {
+  (void)store.Run(model::Command{"RPUSH", "&&/r/A", "&&Object "});
+  (void)store.Run("HSET | &&/r/A/0 | x | 1");
+  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A", StoredNone), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\n");
+}
+
+TEST_F(StaleKeys, AResourcesTwinsGoWithItButNotTheTwinKeyItself) {
+  for (const char* key : {"/c", "&&/c", "/c/x", "&&/c/y", "/cc", "&&/cc/z"}) {
+    (void)store.Run(model::Command{"HSET", key, "f", "v"});
+  }
+  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredList), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\nUNLINK | /c/x\nUNLINK | &&/c/y\n");
+  EXPECT_EQ(PrunedPrefixes.at("/c"), true);
+  EXPECT_EQ(PrunedPrefixes.at("&&/c"), true);
+  EXPECT_EQ(Sent(),
+            "TYPE | /c\n--\n"
+            "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
+            "SCAN | 0 | MATCH | &&/c/* | COUNT | 1000\n");
+}
+
+TEST_F(StaleKeys, TheTwinsAreScannedEvenWhenTheyWereScannedBefore) {
+  (void)store.Run("HSET | /c | f | v");
+  PrunedPrefixes["&&/c"] = true;
+  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredList), 1U);
+  EXPECT_EQ(Sent(),
+            "TYPE | /c\n--\n"
+            "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
+            "SCAN | 0 | MATCH | &&/c/* | COUNT | 1000\n");
+}
+
+TEST_F(StaleKeys, AChildKeyWithASlashAtItsEndGetsNoSecondOne) {
+  (void)store.Run("HSET | /c/ | f | v");
+  (void)store.Run("HSET | /c/x | f | v");
+  EXPECT_EQ(PruneStaleKey(context(), "/c/", StoredNone), 1U);
+  EXPECT_EQ(PrunedPrefixes.at("/c"), true);
+  EXPECT_EQ(PrunedPrefixes.at("&&/c"), true);
+  EXPECT_EQ(PrunedPrefixes.count("/c/"), 0U);
+  EXPECT_EQ(Sent(),
+            "TYPE | /c/\n--\n"
+            "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
+            "SCAN | 0 | MATCH | &&/c/* | COUNT | 1000\n");
+}
+
+TEST_F(StaleKeys, TheSameKeyAgainIsUnlinkedAgainButNotScannedAgain) {
+  (void)store.Run("HSET | /c | f | v");
+  (void)store.Run("HSET | /c/x | f | v");
+  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 1U);
+  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\nUNLINK | /c/x\nUNLINK | /c\n");
+  EXPECT_EQ(Sent(),
+            "TYPE | /c\n--\n"
+            "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
+            "SCAN | 0 | MATCH | &&/c/* | COUNT | 1000\n--\n"
+            "TYPE | /c\n");
+}
+
+TEST_F(StaleKeys, ASubtreeInsideAPrunedOneIsNotScanned) {
+  (void)store.Run("HSET | /c/x | f | v");
+  PrunedPrefixes["/c"] = true;
+  EXPECT_EQ(PruneStaleKey(context(), "/c/x", StoredNone), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c/x\n");
+  EXPECT_EQ(Sent(), "TYPE | /c/x\n");
+}
+
+TEST_F(StaleKeys, GlobCharactersMatchAsGlobs) {
+  (void)store.Run("HSET | &&/r/A* | f | v");
+  (void)store.Run("HSET | &&/r/AB/x | f | v");
+  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A*", StoredNone), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A*\nUNLINK | &&/r/AB/x\n");
+}
+
+TEST_F(StaleKeys, FailWhenTheTypeIsNoStatus) {
+  std::size_t flight = 0;
+  for (const char* reply : {"-ERR no\r\n", "$4\r\nnone\r\n", ":1\r\n", "$-1\r\n", "*0\r\n"}) {
+    recorder.Answer(flight++, reply);
+    EXPECT_EQ(PruneStaleKey(context(), "k", StoredNone), 0U) << reply;
+  }
+  recorder.CutAfter(flight, 0);
+  EXPECT_EQ(PruneStaleKey(context(), "k", StoredNone), 0U);
+}
+
+TEST_F(StaleKeys, FailWhenTheScanFails) {
+  (void)store.Run("HSET | /c | f | v");
+  recorder.Answer(1, "-NOPERM no\r\n");
+  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 0U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\n");  // what was queued stays
+  EXPECT_EQ(Sent(), "TYPE | /c\n--\nSCAN | 0 | MATCH | /c/* | COUNT | 1000\n");
+}
+
+TEST_F(PlainLists, AreToldByTheirFirstElement) {
+  const struct {
+    const char* first;
+    unsigned is_plain;
+  } cases[] = {
+      {"1", 1U},
+      {"\"text\"", 1U},
+      {"&&Array ", 1U},
+      {"&&Array x", 0U},
+      {"&&Object ", 1U},
+      {"&&Object &&/r/A/0", 0U},
+      {"&&ObjectRef ", 1U},
+      {"&&ObjectRef /x", 0U},
+      {"&&ObjectRefs /x", 1U},
+      {"&&array x", 1U},
+      {"", 1U},
+  };
+  for (const auto& c : cases) {
+    (void)store.Run("FLUSHALL");
+    (void)store.Run(model::Command{"RPUSH", "l", c.first, "&&Object x"});
+    EXPECT_EQ(IsPlainList(context(), "l"), c.is_plain) << c.first;
+  }
+}
+
+TEST_F(PlainLists, AreNeitherMissingNorOfAnotherType) {
+  EXPECT_EQ(IsPlainList(context(), "none"), 0U);
+  (void)store.Run("HSET | h | f | v");
+  EXPECT_EQ(IsPlainList(context(), "h"), 0U);
+}
+
+TEST_F(MatchingKeys, AreFoundThroughEveryCursor) {
+  recorder.Answer(0, "*2\r\n$2\r\n17\r\n*2\r\n$1\r\na\r\n$1\r\nb\r\n");
+  recorder.Answer(1, "*2\r\n$1\r\n5\r\n*0\r\n");
+  recorder.Answer(2, "*2\r\n$1\r\n0\r\n*1\r\n$1\r\na\r\n");
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | a\nUNLINK | b\nUNLINK | a\n");
+  EXPECT_EQ(PrunedPrefixes, (std::map<std::string, bool>{{"/p", true}}));
+  EXPECT_EQ(Sent(),
+            "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\n"
+            "SCAN | 17 | MATCH | /p/* | COUNT | 1000\n--\n"
+            "SCAN | 5 | MATCH | /p/* | COUNT | 1000\n");
+}
+
+TEST_F(MatchingKeys, OfALargeStoreAreAllFound) {
+  for (int i = 0; i < 3000; ++i) {
+    (void)store.Run(model::Command{"SET", "/p/" + std::to_string(i), "v"});
+    (void)store.Run(model::Command{"SET", "/q/" + std::to_string(i), "v"});
+  }
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  // The first 2000 went when the batch was full.
+  EXPECT_GE(RemovalBatch.keys.size(), 1000U);
+  EXPECT_EQ(FlushRemovalBatch(context()), 1U);
+  for (const auto& entry : store.Contents()) ASSERT_EQ(entry.first.substr(0, 3), "/q/");
+  EXPECT_EQ(store.Contents().size(), 3000U);
+}
+
+TEST_F(MatchingKeys, ACursorIsNarrowedToAnInt) {
+  recorder.Answer(0, "*2\r\n$10\r\n4294967301\r\n*0\r\n");
+  recorder.Answer(1, "*2\r\n$1\r\n0\r\n*0\r\n");
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  if (sizeof(long) > sizeof(int)) {
+    EXPECT_EQ(Sent(),
+              "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\n"
+              "SCAN | 5 | MATCH | /p/* | COUNT | 1000\n");
+  }
+}
+
+TEST_F(MatchingKeys, AShortPatternIsMarkedWhole) {
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "*"), 1U);
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/*"), 1U);
+  EXPECT_EQ(PrunedPrefixes, (std::map<std::string, bool>{{"*", true}, {"", true}}));
+}
+
+TEST_F(MatchingKeys, AMalformedAnswerFailsAndMarksNothing) {
+  std::size_t flight = 0;
+  for (const char* reply :
+       {"-ERR no\r\n", "+OK\r\n", "$-1\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", ":0\r\n",
+        "*2\r\n:0\r\n*0\r\n", "*2\r\n$1\r\n0\r\n$1\r\nk\r\n", "*2\r\n$1\r\n0\r\n$-1\r\n",
+        "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nk\r\n:1\r\n", "*2\r\n$1\r\n0\r\n*1\r\n*0\r\n"}) {
+    recorder.Answer(flight++, reply);
+    EXPECT_EQ(Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U) << reply; }), "");
+    EXPECT_EQ(PendingRemovalsText(), "") << reply;
+  }
+  recorder.CutAfter(flight, 0);
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U);
+  EXPECT_TRUE(PrunedPrefixes.empty());
+}
+
+TEST_F(MatchingFields, AreTakenFromEverySecondItem) {
+  recorder.Answer(0, "*2\r\n$1\r\n3\r\n*4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n2\r\n");
+  recorder.Answer(1, "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nc\r\n$1\r\n3\r\n");
+  EXPECT_EQ(RemoveMatchingFields(context(), "h", "x *"), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "HDEL | h | a\nHDEL | h | b\nHDEL | h | c\n");
+  EXPECT_EQ(Sent(), "HSCAN | h | 0 | MATCH | x *\n--\nHSCAN | h | 3 | MATCH | x *\n");
+}
+
+TEST_F(MatchingFields, OfALargeHashAreAllFound) {
+  for (int i = 0; i < 1500; ++i) {
+    (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef A /" + std::to_string(i), ""});
+    (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef B /" + std::to_string(i), ""});
+  }
+  EXPECT_EQ(RemoveMatchingFields(context(), "h", "&&ObjectRef A *"), 1U);
+  EXPECT_EQ(FlushRemovalBatch(context()), 1U);
+  EXPECT_EQ(store.Run("HLEN | h").integer, 1500);
+}
+
+TEST_F(MatchingFields, AMalformedAnswerFails) {
+  std::size_t flight = 0;
+  for (const char* reply :
+       {"-ERR no\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", "*2\r\n$1\r\n0\r\n:3\r\n",
+        "*2\r\n$1\r\n0\r\n*2\r\n:1\r\n$1\r\nv\r\n", "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nf\r\n:1\r\n"}) {
+    recorder.Answer(flight++, reply);
+    EXPECT_EQ(RemoveMatchingFields(context(), "h", "*"), 0U) << reply;
+  }
+  EXPECT_EQ(PendingRemovalsText(), "");
+}
+
+TEST_F(PrunedPrefix, IsAnyPartBeforeASlash) {
+  PrunedPrefixes["&&/r/A"] = true;
+  EXPECT_TRUE(IsUnderPrunedPrefix("&&/r/A/*"));
+  EXPECT_TRUE(IsUnderPrunedPrefix("&&/r/A/B/C/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/AB/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("/r/A/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/A"));  // ends before the part would
+  EXPECT_FALSE(IsUnderPrunedPrefix("no slash"));
+  EXPECT_FALSE(IsUnderPrunedPrefix(""));
+}
+
+TEST_F(PrunedPrefix, TheEmptyPartBeforeALeadingSlashCounts) {
+  PrunedPrefixes[""] = true;
+  EXPECT_TRUE(IsUnderPrunedPrefix("/r/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/*"));
+}
+
+TEST_F(PrunedPrefix, LookingUpAddsWhatIsAbsent) {
+  EXPECT_FALSE(IsUnderPrunedPrefix("/a/b/*"));
+  EXPECT_EQ(PrunedPrefixes,
+            (std::map<std::string, bool>{{"", false}, {"/a", false}, {"/a/b", false}}));
+}
+
+TEST_F(RemovalQueue, KeepsDuplicatesAndCountsAllKindsTogether) {
+  EXPECT_EQ(QueueRemoval(context(), "k", "unused", RemoveKey), 1U);
+  EXPECT_EQ(QueueRemoval(context(), "k", "", RemoveKey), 1U);
+  EXPECT_EQ(QueueRemoval(context(), "l", "v", RemoveListValue), 1U);
+  EXPECT_EQ(QueueRemoval(context(), "l", "v", RemoveListValue), 1U);
+  EXPECT_EQ(QueueRemoval(context(), "h", "f", RemoveField), 1U);
+  EXPECT_EQ(RemovalBatchCount, 5U);
+  EXPECT_EQ(PendingRemovalsText(),
+            "UNLINK | k\nUNLINK | k\nLREM | l | 0 | v\nLREM | l | 0 | v\nHDEL | h | f\n");
+}
+
+TEST_F(RemovalQueue, AnyOtherKindIsAKey) {
+  EXPECT_EQ(QueueRemoval(context(), "k", "", static_cast<RemovalKind>(3)), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | k\n");
+}
+
+TEST_F(RemovalQueue, The2001stRemovalFlushesFirst) {
+  std::string expected;
+  for (int i = 0; i < 2000; ++i) {
+    ASSERT_EQ(QueueRemoval(context(), std::to_string(i), "", RemoveKey), 1U);
+    expected += "UNLINK | " + std::to_string(i) + "\n";
+  }
+  EXPECT_EQ(RemovalBatchCount, 2000U);
+  ASSERT_EQ(QueueRemoval(context(), "last", "", RemoveKey), 1U);
+  EXPECT_EQ(RemovalBatchCount, 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | last\n");
+  EXPECT_EQ(Sent(), expected);
+}
+
+TEST_F(RemovalQueue, FlushesThatOthersMakeDoNotResetTheCount) {
+  ASSERT_EQ(QueueRemoval(context(), "k", "", RemoveKey), 1U);
+  ASSERT_EQ(FlushRemovalBatch(context()), 1U);
+  EXPECT_EQ(RemovalBatchCount, 1U);
+}
+
+TEST_F(RemovalQueue, AFailedFlushQueuesNothingAndTheNextRemovalFlushesAgain) {
+  (void)store.Run("SET | s | in the way");
+  for (int i = 0; i < 2000; ++i) {
+    ASSERT_EQ(QueueRemoval(context(), "s", "f", RemoveField), 1U);
+  }
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(QueueRemoval(context(), "k", "", RemoveKey), 0U); }),
+            "Some errors occur while removing data from database\n"
+            "The data in database would be incorrect\n");
+  EXPECT_EQ(RemovalBatchCount, 2000U);
+  EXPECT_EQ(PendingRemovalsText(), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(QueueRemoval(context(), "k", "", RemoveKey), 1U); }), "");
+  EXPECT_EQ(RemovalBatchCount, 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | k\n");
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+#include "store/store_fixture.h"
+
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "model/endpoint.h"
+#include "store/store_state.h"
+#include "support/sandbox.h"
+
+namespace {
+
+std::string RecorderSocket() { return RuntimeDirectory() + "/recorder.sock"; }
+
+}  // namespace
+
+StoreTest::StoreTest()
+    : store(ServerSocket()),
+      recorder(RecorderSocket(), ServerSocket()),
+      connection_(redisConnectUnix(RecorderSocket().c_str())) {
+  recorder.Watch(getpid());
+  (void)store.Run("FLUSHALL");
+  ResetStoreState();
+}
+
+StoreTest::~StoreTest() { ResetStoreState(); }
+
+std::string StoreTest::Sent() {
+  connection_.reset();
+  return Describe(recorder.Finish().flights);
+}
+
+std::string PendingRemovalsText() {
+  std::string text;
+  for (const std::string& key : RemovalBatch.keys) {
+    text += model::Describe(model::Command{"UNLINK", key}) + "\n";
+  }
+  for (const auto& [key, values] : RemovalBatch.list_values) {
+    for (const std::string& value : values) {
+      text += model::Describe(model::Command{"LREM", key, "0", value}) + "\n";
+    }
+  }
+  for (const auto& [key, fields] : RemovalBatch.hash_fields) {
+    for (const std::string& field : fields) {
+      text += model::Describe(model::Command{"HDEL", key, field}) + "\n";
+    }
+  }
+  return text;
+}
+
+Document Parse(const std::string& json) {
+  json_error_t error;
+  Document document(json_loads(json.c_str(), 0, &error));
+  if (!document) throw std::runtime_error(json + ": " + error.text);
+  return document;
+}

@@ -1,0 +1,48 @@
+#ifndef OSTRAFEL_TESTS_STORE_STORE_FIXTURE_H_
+#define OSTRAFEL_TESTS_STORE_STORE_FIXTURE_H_
+
+#include <gtest/gtest.h>
+#include <hiredis/hiredis.h>
+
+#include <memory>
+#include <string>
+
+#include "connection/store_connection.h"
+#include "handles.h"
+#include "support/recorder.h"
+#include "support/test_store.h"
+
+/// Single operations of the store against a real, empty server, through a Recorder.
+class StoreTest : public testing::Test {
+ protected:
+  StoreTest();
+  ~StoreTest() override;
+
+  /// The connection that operations are given.
+  redisContext* context() { return connection_.get(); }
+
+  /// Closes the connection and returns the commands that were sent, as Describe writes flights.
+  std::string Sent();
+
+  /// What function prints on standard error.
+  template <typename Function>
+  static std::string Printed(const Function& function) {
+    testing::internal::CaptureStderr();
+    function();
+    return testing::internal::GetCapturedStderr();
+  }
+
+  TestStore store;
+  Recorder recorder;
+
+ private:
+  StoreConnection connection_;
+};
+
+/// The pending removals, as the commands that a flush would send.
+std::string PendingRemovalsText();
+
+/// A value from its JSON text, which must be an object or an array.
+Document Parse(const std::string& json);
+
+#endif  // OSTRAFEL_TESTS_STORE_STORE_FIXTURE_H_

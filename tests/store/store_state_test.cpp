@@ -1,0 +1,48 @@
+#include "store/store_state.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(StoreState, IsEmptyAtTheStartAndMergeModeIsOn) {
+  EXPECT_TRUE(MergeMode);
+  EXPECT_TRUE(VisitedResourceMap.empty());
+  EXPECT_TRUE(PrunedPrefixes.empty());
+  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_TRUE(ListBatch.empty());
+  EXPECT_TRUE(RemovalBatch.keys.empty());
+  EXPECT_TRUE(RemovalBatch.list_values.empty());
+  EXPECT_TRUE(RemovalBatch.hash_fields.empty());
+  EXPECT_EQ(HashBatchCount, 0U);
+  EXPECT_EQ(ListBatchCount, 0U);
+  EXPECT_EQ(RemovalBatchCount, 0U);
+  EXPECT_EQ(BatchLimit, 2000U);
+}
+
+TEST(StoreState, ResetBringsTheStartBack) {
+  MergeMode = false;
+  VisitedResourceMap["/r"] = true;
+  PrunedPrefixes["/r"] = true;
+  HashBatch["/r"]["A"] = "1";
+  HashBatchCount = 1;
+  ListBatch["/r"].push_back("1");
+  ListBatchCount = 1;
+  RemovalBatch.keys.push_back("/r");
+  RemovalBatch.list_values["/r"].push_back("1");
+  RemovalBatch.hash_fields["/r"].push_back("A");
+  RemovalBatchCount = 3;
+  ResetStoreState();
+  EXPECT_TRUE(MergeMode);
+  EXPECT_TRUE(VisitedResourceMap.empty());
+  EXPECT_TRUE(PrunedPrefixes.empty());
+  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_TRUE(ListBatch.empty());
+  EXPECT_TRUE(RemovalBatch.keys.empty());
+  EXPECT_TRUE(RemovalBatch.list_values.empty());
+  EXPECT_TRUE(RemovalBatch.hash_fields.empty());
+  EXPECT_EQ(HashBatchCount, 0U);
+  EXPECT_EQ(ListBatchCount, 0U);
+  EXPECT_EQ(RemovalBatchCount, 0U);
+}
+
+}  // namespace

@@ -1,0 +1,26 @@
+// Runs a program as a person would, and keeps what it printed.
+#ifndef OSTRAFEL_TESTS_SUPPORT_PROCESS_H_
+#define OSTRAFEL_TESTS_SUPPORT_PROCESS_H_
+
+#include <functional>
+#include <string>
+#include <vector>
+
+struct Finished {
+  int status = -1;  ///< The exit status; 128 + the signal's number when a signal ended it.
+  std::string out;
+  std::string err;
+};
+
+struct RunOptions {
+  /// Called with the process id as soon as the process exists.
+  std::function<void(int process_id)> on_start;
+  /// Run in the child before the program, for example to give up a privilege.
+  void (*in_child)() = nullptr;
+};
+
+/// Runs arguments[0] with the rest as its arguments, standard input empty, and waits for its end. A
+/// program that has not ended after a minute is killed.
+Finished RunProgram(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+#endif  // OSTRAFEL_TESTS_SUPPORT_PROCESS_H_
