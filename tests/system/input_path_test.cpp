@@ -1,0 +1,122 @@
+// From the path and the file name to the keys that are written.
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "system/system_fixture.h"
+
+namespace {
+
+class InputPath : public SystemTest {
+ protected:
+  void WriteTree() {
+    tree.Write("index.json", R"({"A": 1})");
+    tree.Write("v1/index.json", R"({"A": 2})");
+    tree.Write("v1/Systems/index.json", R"({"A": 3})");
+    tree.Write("v1/Systems/other.json", R"({"B": 4})");
+  }
+};
+
+TEST_F(InputPath, ADirectoryIsLoadedFolderByFolder) {
+  WriteTree();
+  Load({"create", tree.path(), "/redfish"});
+  EXPECT_EQ(store.Dump(),
+            "hash | /redfish | A | 1\n"
+            "hash | /redfish/v1 | A | 2\n"
+            "hash | /redfish/v1/Systems | A | 3\n");
+}
+
+TEST_F(InputPath, AUriWithASlashAtItsEndIsNotGivenAnother) {
+  WriteTree();
+  Load({"create", tree.path() + "/", "/redfish/"});
+  EXPECT_EQ(store.Dump(),
+            "hash | /redfish/ | A | 1\n"
+            "hash | /redfish/v1 | A | 2\n"
+            "hash | /redfish/v1/Systems | A | 3\n");
+}
+
+TEST_F(InputPath, AFourthArgumentNamesTheFileOfEveryFolder) {
+  WriteTree();
+  Load({"update", tree.path(), "/redfish", "other.json"});
+  EXPECT_EQ(store.Dump(), "hash | /redfish/v1/Systems | B | 4\n");
+}
+
+TEST_F(InputPath, AnEmptyFourthArgumentStandsForIndexJson) {
+  tree.Write("index.json", R"({"A": 1})");
+  Load({"create", tree.path(), "/r", ""});
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+}
+
+TEST_F(InputPath, ASingleFileGoesToTheUriAndIgnoresAFourthArgument) {
+  const std::string file = tree.Write("v1/data.JSON", R"({"A": 1})");
+  tree.Write("v1/other.json", R"({"A": 2})");
+  Load({"create", file, "/r/x", "other.json"});
+  EXPECT_EQ(store.Dump(), "hash | /r/x | A | 1\n");
+}
+
+TEST_F(InputPath, AFileWithoutTheExtensionIsRefused) {
+  const std::string file = tree.Write("data.txt", R"({"A": 1})");
+  ExpectFailure({"update", file, "/r"}, "Input path should be a file or directory\n");
+  EXPECT_EQ(recording.connections, 1);
+}
+
+TEST_F(InputPath, ADeviceIsRefused) {
+  ExpectFailure({"update", "/dev/null", "/r"}, "Input path should be a file or directory\n");
+}
+
+TEST_F(InputPath, AMissingPathIsReportedTwice) {
+  ExpectFailure(
+      {"update", "/nowhere/x.json", "/r"},
+      "Failed to check path /nowhere/x.json.\nInput path should be a file or directory\n");
+}
+
+TEST_F(InputPath, ADirectoryNamedLikeAFileIsWalked) {
+  tree.Write("tree.json/index.json", R"({"A": 1})");
+  Load({"create", tree.path("tree.json"), "/r"});
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+}
+
+TEST_F(InputPath, ADanglingLinkIsReportedAndTheRunGoesOn) {
+  tree.Write("a/index.json", R"({"A": 1})");
+  std::filesystem::create_symlink("nowhere", tree.path("dangling"));
+  const Finished run = Ostrafel({"create", tree.path(), "/r"});
+  EXPECT_EQ(run.out, kSuccessLine);
+  EXPECT_EQ(run.err, "Failed to check path " + tree.path("dangling") + ".\n");
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
+}
+
+// root may open everything; a program without these capabilities may not.
+void GiveUpFileCapabilities() {
+  (void)prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+  (void)prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0);
+}
+
+TEST_F(InputPath, AFolderThatCannotBeOpenedFailsTheWholeWalk) {
+  tree.Write("index.json", R"({"A": 1})");
+  tree.MakeFolder("closed");
+  std::filesystem::permissions(tree.path("closed"), std::filesystem::perms::none);
+  RunOptions options;
+  options.in_child = GiveUpFileCapabilities;
+  const Finished run = Ostrafel({"update", tree.path(), "/r"}, options);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "Error occurs while reading files\n");
+  EXPECT_EQ(run.status, 255);
+  EXPECT_EQ(Sent(), "");
+  std::filesystem::permissions(tree.path("closed"), std::filesystem::perms::owner_all);
+}
+
+TEST_F(InputPath, AFileThatCannotBeOpenedHasNoValidContent) {
+  const std::string file = tree.Write("index.json", R"({"A": 1})");
+  std::filesystem::permissions(file, std::filesystem::perms::none);
+  RunOptions options;
+  options.in_child = GiveUpFileCapabilities;
+  const Finished run = Ostrafel({"update", file, "/r"}, options);
+  EXPECT_EQ(run.err, "The content of " + file + " is not a valid JSON data.\n");
+  EXPECT_EQ(run.status, 255);
+}
+
+}  // namespace

@@ -1,0 +1,66 @@
+#include "system/system_fixture.h"
+
+#include <filesystem>
+
+namespace {
+
+std::string RecorderSocket() { return RuntimeDirectory() + "/recorder.sock"; }
+
+void EmptyIncludeDirectory() {
+  for (const auto& entry : std::filesystem::directory_iterator(kIncludeDirectory)) {
+    std::filesystem::remove_all(entry.path());
+  }
+}
+
+}  // namespace
+
+SystemTest::SystemTest() : store(ServerSocket()) {
+  (void)store.Run("FLUSHALL");
+  EmptyIncludeDirectory();
+}
+
+SystemTest::~SystemTest() { EmptyIncludeDirectory(); }
+
+Finished SystemTest::Ostrafel(const std::vector<std::string>& arguments,
+                              const RunOptions& options) {
+  Recorder recorder(RecorderSocket(), ServerSocket());
+  if (publishes_socket) {
+    RuntimeFiles files;
+    files.unixsocket = RecorderSocket();
+    Publish(files);
+  }
+  if (plan) plan(recorder);
+  std::vector<std::string> command = {OSTRAFEL_PROGRAM};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  RunOptions watched = options;
+  watched.on_start = [&](int process_id) { recorder.Watch(process_id); };
+  Finished finished = RunProgram(command, watched);
+  recording = recorder.Finish();
+  EXPECT_LE(recording.connections, 1);
+  bool is_cut = false;
+  for (const model::Flight& flight : recording.flights) is_cut = is_cut || flight.cut_short;
+  if (!is_cut) {
+    EXPECT_EQ(recording.closed_by_client, recording.connections);
+  }
+  return finished;
+}
+
+void SystemTest::Load(const std::vector<std::string>& arguments) {
+  const Finished finished = Ostrafel(arguments);
+  EXPECT_EQ(finished.out, kSuccessLine);
+  EXPECT_EQ(finished.err, "");
+  EXPECT_EQ(finished.status, 0);
+}
+
+void SystemTest::ExpectFailure(const std::vector<std::string>& arguments, const std::string& err) {
+  const Finished finished = Ostrafel(arguments);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_EQ(finished.err, err);
+  EXPECT_EQ(finished.status, 255);
+}
+
+void SystemTest::Include(const std::string& name, const std::string& content) {
+  const std::filesystem::path path = std::string(kIncludeDirectory) + "/" + name;
+  std::filesystem::create_directories(path.parent_path());
+  WriteFile(path.string(), content);
+}

@@ -1,0 +1,54 @@
+#ifndef OSTRAFEL_TESTS_SYSTEM_SYSTEM_FIXTURE_H_
+#define OSTRAFEL_TESTS_SYSTEM_SYSTEM_FIXTURE_H_
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/process.h"
+#include "support/recorder.h"
+#include "support/sandbox.h"
+#include "support/temp_directory.h"
+#include "support/test_store.h"
+
+/// What a successful run prints.
+inline constexpr const char* kSuccessLine = ">>> Ostrafel parsing successfully.\n";
+
+/// Runs of the real program against the real server, through a Recorder that the runtime files lead
+/// to. Store and include directory are empty at the start of every test.
+class SystemTest : public testing::Test {
+ protected:
+  SystemTest();
+  ~SystemTest() override;
+
+  /// Runs the program with these arguments and keeps what it sent in recording. Checks what holds
+  /// for every run: at most one connection, which the program itself closes once.
+  Finished Ostrafel(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+  /// Runs the program and expects success and nothing on standard error.
+  void Load(const std::vector<std::string>& arguments);
+
+  /// Runs the program and expects status 255, nothing on standard output and this on standard
+  /// error.
+  void ExpectFailure(const std::vector<std::string>& arguments, const std::string& err);
+
+  /// The commands of the last run, as Describe writes flights.
+  std::string Sent() const { return Describe(recording.flights); }
+
+  /// Puts a file into the include directory.
+  static void Include(const std::string& name, const std::string& content);
+
+  TestStore store;
+  TempDirectory tree;
+  Recording recording;
+
+  /// Called with the Recorder of each run before the program starts, for planned faults.
+  std::function<void(Recorder&)> plan;
+  /// The runtime files of each run; their socket is the Recorder's unless the test publishes its
+  /// own.
+  bool publishes_socket = true;
+};
+
+#endif  // OSTRAFEL_TESTS_SYSTEM_SYSTEM_FIXTURE_H_

@@ -1,0 +1,221 @@
+// What an update makes of a store that an earlier run filled.
+#include <algorithm>
+#include <string>
+
+#include "system/system_fixture.h"
+
+namespace {
+
+class Update : public SystemTest {
+ protected:
+  // Creates one document and updates it with another; returns the store.
+  std::string CreateThenUpdate(const std::string& first, const std::string& second) {
+    Load({"create", tree.Write("a.json", first), "/r"});
+    Load({"update", tree.Write("a.json", second), "/r"});
+    return store.Dump();
+  }
+};
+
+TEST_F(Update, MergesNewMembersIntoTheOld) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": 1, "B": 2, "O": {"x": 1, "y": {"z": 1}}})",
+                             R"({"B": 3, "C": 4, "O": {"w": 5}})"),
+            "hash | &&/r/O | &&Object y &&/r/O/y | \n"
+            "hash | &&/r/O | w | 5\n"
+            "hash | &&/r/O | x | 1\n"
+            "hash | &&/r/O/y | z | 1\n"
+            "hash | /r | &&Object O &&/r/O | \n"
+            "hash | /r | A | 1\n"
+            "hash | /r | B | 3\n"
+            "hash | /r | C | 4\n");
+}
+
+TEST_F(Update, TurnsAScalarIntoAnObject) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": 1})", R"({"A": {"x": 1}})"),
+            "hash | &&/r/A | x | 1\n"
+            "hash | /r | &&Object A &&/r/A | \n");
+}
+
+TEST_F(Update, TurnsAScalarIntoAnArray) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": 1})", R"({"A": [1]})"),
+            "list | &&/r/A | 1\n"
+            "hash | /r | &&Array A &&/r/A | \n");
+}
+
+TEST_F(Update, TurnsAScalarIntoALink) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": 1})", R"({"A": {"@odata.id": "/x"}})"),
+            "hash | /r | &&ObjectRef A /x | \n");
+}
+
+TEST_F(Update, TurnsAnObjectIntoAScalar) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"x": 1, "y": {"z": [1, {"w": 2}]}}})", R"({"A": 1})"),
+            "hash | /r | A | 1\n");
+}
+
+TEST_F(Update, TurnsAnObjectIntoAnArray) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"x": 1, "y": {"z": 1}}})", R"({"A": [{"x": 2}]})"),
+            "list | &&/r/A | &&Object &&/r/A/0\n"
+            "hash | &&/r/A/0 | x | 2\n"
+            "hash | /r | &&Array A &&/r/A | \n");
+}
+
+TEST_F(Update, TurnsAnObjectIntoALink) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"x": 1, "y": {"z": 1}}})", R"({"A": {"@odata.id": "/x"}})"),
+            "hash | /r | &&ObjectRef A /x | \n");
+}
+
+TEST_F(Update, TurnsAnArrayIntoAScalar) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": [{"x": 1}, [2], 3]})", R"({"A": "s"})"),
+            "hash | /r | A | \"s\"\n");
+}
+
+TEST_F(Update, TurnsAnArrayIntoAnObject) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": [{"x": 1}, [2], 3]})", R"({"A": {"y": 1}})"),
+            "hash | &&/r/A | y | 1\n"
+            "hash | /r | &&Object A &&/r/A | \n");
+}
+
+TEST_F(Update, RebuildsAnArrayWhole) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": [{"x": 1}, {"y": 2}, {"z": 3}]})", R"({"A": [{"x": 4}]})"),
+            "list | &&/r/A | &&Object &&/r/A/0\n"
+            "hash | &&/r/A/0 | x | 4\n"
+            "hash | /r | &&Array A &&/r/A | \n");
+}
+
+TEST_F(Update, RebuildsAPlainArrayWithoutAScan) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": [1, 2, 3]})", R"({"A": [4]})"),
+            "list | &&/r/A | 4\n"
+            "hash | /r | &&Array A &&/r/A | \n");
+  EXPECT_EQ(Sent(),
+            "TYPE | &&/r/A\n--\n"
+            "LINDEX | &&/r/A | 0\n--\n"
+            "HSCAN | /r | 0 | MATCH | &&ObjectRef A *\n--\n"
+            "UNLINK | &&/r/A\n"
+            "HDEL | /r | A\n"
+            "HDEL | /r | &&Array A &&/r/A\n"
+            "HDEL | /r | &&ObjectRef A &&/r/A\n"
+            "HDEL | /r | &&Object A &&/r/A\n--\n"
+            "HSET | /r | &&Array A &&/r/A | \n--\n"
+            "RPUSH | &&/r/A | 4\n");
+}
+
+TEST_F(Update, TurnsALinkIntoAnotherLink) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"@odata.id": "/x"}})", R"({"A": {"@odata.id": "/y"}})"),
+            "hash | /r | &&ObjectRef A /y | \n");
+}
+
+TEST_F(Update, TurnsALinkIntoAnObject) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"@odata.id": "/x"}})", R"({"A": {"y": 1}})"),
+            "hash | &&/r/A | y | 1\n"
+            "hash | /r | &&Object A &&/r/A | \n");
+}
+
+TEST_F(Update, TurnsAnArrayOfLinksIntoAnArrayOfScalars) {
+  EXPECT_EQ(
+      CreateThenUpdate(R"({"A": [{"@odata.id": "/x"}, {"@odata.id": "/y"}]})", R"({"A": ["/x"]})"),
+      "list | &&/r/A | \"/x\"\n"
+      "hash | /r | &&Array A &&/r/A | \n");
+}
+
+TEST_F(Update, ALinkOfAMemberTakesTheLinksOfLongerNamesAfterABlankAway) {
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"@odata.id": "/x"}, "A B": {"@odata.id": "/y"}})",
+                             R"({"A": {"@odata.id": "/z"}})"),
+            "hash | /r | &&ObjectRef A /z | \n");
+}
+
+TEST_F(Update, OfAnUnchangedResourceChangesNothing) {
+  const std::string json = R"({
+      "@odata.id": "/c", "Name": "One", "Power": 1.5,
+      "Status": {"State": "on", "Deep": {"x": [1, [2], {"y": 3}]}},
+      "Links": {"By": [{"@odata.id": "/m"}], "One": {"@odata.id": "/o"}},
+      "Inline": {"@odata.id": "/c/i", "a": 1, "b": {"c": 2}},
+      "&&ETag": "e", "Empty": {}, "None": []})";
+  Load({"create", tree.Write("a.json", json), "/r"});
+  const std::string before = store.Dump();
+  Load({"update", tree.path("a.json"), "/r"});
+  EXPECT_EQ(store.Dump(), before);
+}
+
+TEST_F(Update, AnInlineResourceThatIsNowAScalarAtItsPlaceStaysUnderItsId) {
+  // What was stored under the id of an inline object belongs to that id, not to the member.
+  EXPECT_EQ(CreateThenUpdate(R"({"A": {"@odata.id": "/x", "y": 1}})", R"({"A": 1})"),
+            "hash | /r | &&Object A /x | \n"
+            "hash | /r | A | 1\n"
+            "hash | /x | @odata.id | \"/x\"\n"
+            "hash | /x | y | 1\n");
+}
+
+TEST_F(Update, AnArrayAtAnIdOfAStaleResourceTakesTheTwinsWithIt) {
+  (void)store.Run("RPUSH | /x | &&Object &&/x/0");
+  (void)store.Run("HSET | &&/x/0 | f | v");
+  (void)store.Run("HSET | &&/x | f | v");
+  (void)store.Run("HSET | /x/y | f | v");
+  Load({"update", tree.Write("a.json", R"({"A": {"@odata.id": "/x", "z": 1}})"), "/r"});
+  EXPECT_EQ(store.Dump(),
+            "hash | &&/x | f | v\n"
+            "hash | /r | &&Object A /x | \n"
+            "hash | /x | @odata.id | \"/x\"\n"
+            "hash | /x | z | 1\n");
+}
+
+TEST_F(Update, ScalarsAreWrittenEvenWhenNothingCanBePruned) {
+  (void)store.Run("HSET | &&/r/A | x | 1");
+  (void)store.Run("ACL | SETUSER | default | -type");
+  Load({"update", tree.Write("a.json", R"({"A": 1})"), "/r"});
+  (void)store.Run("ACL | SETUSER | default | +@all");
+  EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 1\nhash | /r | A | 1\n");
+}
+
+TEST_F(Update, AnObjectThatCannotBePrunedFailsTheRun) {
+  (void)store.Run("ACL | SETUSER | default | -type");
+  const std::string file = tree.Write("a.json", R"({"A": {"x": 1}})");
+  ExpectFailure({"update", file, "/r"}, ">>> Error occurs while parsing file " + file + "\n");
+  (void)store.Run("ACL | SETUSER | default | +@all");
+  EXPECT_EQ(store.Dump(), "");
+}
+
+TEST_F(Update, AScanThatIsRefusedFailsTheRun) {
+  (void)store.Run("HSET | &&/r/A | x | 1");
+  (void)store.Run("ACL | SETUSER | default | -scan");
+  const std::string file = tree.Write("a.json", R"({"A": [1]})");
+  ExpectFailure({"update", file, "/r"}, ">>> Error occurs while parsing file " + file + "\n");
+  (void)store.Run("ACL | SETUSER | default | +@all");
+  EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 1\n");
+}
+
+TEST_F(Update, ARefusedHexistsCountsAsNotInline) {
+  (void)store.Run("HSET | /r | &&Object A &&/r/A | ");
+  (void)store.Run("HSET | &&/r/A | x | 1");
+  (void)store.Run("ACL | SETUSER | default | -hexists");
+  Load({"update", tree.Write("a.json", R"({"A": {"@odata.id": "/x"}})"), "/r"});
+  (void)store.Run("ACL | SETUSER | default | +@all");
+  EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 1\nhash | /r | &&ObjectRef A /x | \n");
+}
+
+TEST_F(Update, EqualNumbersThatAFullBatchPushedAreRemovedAgain) {
+  // The array's own flush pushes its first 2000 values; the removal of elements equal to the index
+  // of a later object then takes the equal number away.
+  std::string numbers;
+  for (int i = 0; i < 2001; ++i) numbers += std::to_string(i + 2000) + ", ";
+  const std::string file = tree.Write("a.json", R"({"A": [)" + numbers + R"({"x": 1}]})");
+  Load({"update", file, "/r"});
+  const model::Store contents = store.Contents();
+  const auto& list = std::get<model::List>(contents.at("&&/r/A").value);
+  EXPECT_EQ(list.size(), 2001U);  // 2001 numbers less "2001", and the object's record
+  EXPECT_EQ(std::count(list.begin(), list.end(), "2001"), 0);
+  EXPECT_EQ(list.back(), "&&Object &&/r/A/2001");
+}
+
+TEST_F(Update, ASubtreeIsScannedOncePerRun) {
+  (void)store.Run("HSET | &&/r/O | x | 1");
+  (void)store.Run("HSET | &&/r/O/A | x | 1");
+  (void)store.Run("HSET | &&/r/O/B | x | 1");
+  // The array takes the old object away with all below it; nothing below it is scanned again.
+  Load({"update", tree.Write("a.json", R"({"O": [{"A": 1, "B": 2}, {"A": [3]}]})"), "/r"});
+  std::size_t scans = 0;
+  for (const model::Flight& flight : recording.flights) {
+    if (flight.commands.front().front() == "SCAN") ++scans;
+  }
+  EXPECT_EQ(scans, 1U);
+}
+
+}  // namespace
