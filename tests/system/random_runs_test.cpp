@@ -1,5 +1,5 @@
 // Random trees, created and updated in random sequences, beside the model.
-#include <filesystem>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -11,6 +11,16 @@ namespace {
 
 class RandomRuns : public ModelCheckedTest {
  protected:
+  // Plays this many sequences, or OSTRAFEL_TEST_SEEDS times as many.
+  void RunSequences(std::uint64_t first_seed, std::uint64_t count,
+                    const model::RandomTreeOptions& options) {
+    const char* factor = std::getenv("OSTRAFEL_TEST_SEEDS");
+    if (factor != nullptr) count *= std::stoull(factor);
+    for (std::uint64_t seed = first_seed; seed < first_seed + count; ++seed) {
+      ASSERT_NO_FATAL_FAILURE(RunSequence(seed, options, 4));
+    }
+  }
+
   // One sequence: a create, then some updates and creates of other trees for the same keys.
   void RunSequence(std::uint64_t seed, const model::RandomTreeOptions& options, int runs) {
     std::mt19937_64 generator(seed);
@@ -25,19 +35,13 @@ class RandomRuns : public ModelCheckedTest {
   }
 };
 
-TEST_F(RandomRuns, OfSmallTrees) {
-  for (std::uint64_t seed = 0; seed < 60; ++seed) {
-    ASSERT_NO_FATAL_FAILURE(RunSequence(seed, {}, 5));
-  }
-}
+TEST_F(RandomRuns, OfSmallTrees) { RunSequences(1000000, 60, {}); }
 
 TEST_F(RandomRuns, WithIdsThatAreNoStrings) {
   model::RandomTreeOptions options;
   options.bad_id_one_in = 15;
   options.folders = 3;
-  for (std::uint64_t seed = 1000; seed < 1040; ++seed) {
-    ASSERT_NO_FATAL_FAILURE(RunSequence(seed, options, 5));
-  }
+  RunSequences(2000000, 40, options);
 }
 
 TEST_F(RandomRuns, WithFullBatches) {
@@ -47,9 +51,7 @@ TEST_F(RandomRuns, WithFullBatches) {
   model::RandomTreeOptions options;
   options.bulk = 2500;
   options.folders = 4;
-  for (std::uint64_t seed = 2000; seed < 2006; ++seed) {
-    ASSERT_NO_FATAL_FAILURE(RunSequence(seed, options, 4));
-  }
+  RunSequences(3000000, 6, options);
   (void)store.Run("CONFIG | SET | hash-max-listpack-entries | 128");
 }
 
@@ -62,17 +64,13 @@ TEST_F(RandomRuns, WithInclusions) {
   Include("b.json", R"({"&&File": 3, "C": [], "&&ETag": "W/\"2\""})");
   Include("c.xml", "<x/>");
   Include("array.json", "[1, 2, 3]");
-  for (std::uint64_t seed = 3000; seed < 3030; ++seed) {
-    ASSERT_NO_FATAL_FAILURE(RunSequence(seed, options, 4));
-  }
+  RunSequences(4000000, 30, options);
 }
 
 TEST_F(RandomRuns, BelowAUriWithASlashAtItsEnd) {
   model::RandomTreeOptions options;
   options.uri = "/redfish/";
-  for (std::uint64_t seed = 4000; seed < 4020; ++seed) {
-    ASSERT_NO_FATAL_FAILURE(RunSequence(seed, options, 4));
-  }
+  RunSequences(5000000, 20, options);
 }
 
 TEST_F(RandomRuns, AgainstAStoreThatHoldsOtherTypes) {

@@ -74,6 +74,14 @@ TEST_F(Update, TurnsAnArrayIntoAnObject) {
             "hash | /r | &&Object A &&/r/A | \n");
 }
 
+TEST_F(Update, FailsToTurnAnArrayIntoAnObjectOfObjects) {
+  // The links of the nested object are looked for in the old list, which still is there.
+  Load({"create", tree.Write("a.json", R"({"A": [1]})"), "/r"});
+  const std::string file = tree.Write("a.json", R"({"A": {"x": 1, "y": {"z": 2}}})");
+  ExpectFailure({"update", file, "/r"}, ">>> Error occurs while parsing file " + file + "\n");
+  EXPECT_EQ(store.Dump(), "list | &&/r/A | 1\nhash | /r | &&Array A &&/r/A | \n");
+}
+
 TEST_F(Update, RebuildsAnArrayWhole) {
   EXPECT_EQ(CreateThenUpdate(R"({"A": [{"x": 1}, {"y": 2}, {"z": 3}]})", R"({"A": [{"x": 4}]})"),
             "list | &&/r/A | &&Object &&/r/A/0\n"
