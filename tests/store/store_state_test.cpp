@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(StoreState, IsEmptyAtTheStartAndMergeModeIsOn) {
+void ExpectStart() {
   EXPECT_TRUE(MergeMode);
   EXPECT_TRUE(VisitedResourceMap.empty());
   EXPECT_TRUE(PrunedPrefixes.empty());
@@ -16,8 +16,11 @@ TEST(StoreState, IsEmptyAtTheStartAndMergeModeIsOn) {
   EXPECT_EQ(HashBatchCount, 0U);
   EXPECT_EQ(ListBatchCount, 0U);
   EXPECT_EQ(RemovalBatchCount, 0U);
-  EXPECT_EQ(BatchLimit, 2000U);
 }
+
+TEST(StoreState, IsEmptyAtTheStartAndMergeModeIsOn) { ExpectStart(); }
+
+TEST(StoreState, BatchesHold2000Items) { EXPECT_EQ(BatchLimit, 2000U); }
 
 TEST(StoreState, ResetBringsTheStartBack) {
   MergeMode = false;
@@ -32,17 +35,7 @@ TEST(StoreState, ResetBringsTheStartBack) {
   RemovalBatch.hash_fields["/r"].push_back("A");
   RemovalBatchCount = 3;
   ResetStoreState();
-  EXPECT_TRUE(MergeMode);
-  EXPECT_TRUE(VisitedResourceMap.empty());
-  EXPECT_TRUE(PrunedPrefixes.empty());
-  EXPECT_TRUE(HashBatch.empty());
-  EXPECT_TRUE(ListBatch.empty());
-  EXPECT_TRUE(RemovalBatch.keys.empty());
-  EXPECT_TRUE(RemovalBatch.list_values.empty());
-  EXPECT_TRUE(RemovalBatch.hash_fields.empty());
-  EXPECT_EQ(HashBatchCount, 0U);
-  EXPECT_EQ(ListBatchCount, 0U);
-  EXPECT_EQ(RemovalBatchCount, 0U);
+  ExpectStart();
 }
 
 }  // namespace

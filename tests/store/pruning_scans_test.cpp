@@ -1,0 +1,127 @@
+// The searches that pruning makes, and the memory of what was searched.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "store/command_batches.h"
+#include "store/pruning.h"
+#include "store/store_fixture.h"
+#include "store/store_state.h"
+
+namespace {
+
+class MatchingKeys : public StoreTest {};
+class MatchingFields : public StoreTest {};
+class PrunedPrefix : public StoreTest {};
+
+TEST_F(MatchingKeys, AreFoundThroughEveryCursor) {
+  recorder.Answer(0, "*2\r\n$2\r\n17\r\n*2\r\n$1\r\na\r\n$1\r\nb\r\n");
+  recorder.Answer(1, "*2\r\n$1\r\n5\r\n*0\r\n");
+  recorder.Answer(2, "*2\r\n$1\r\n0\r\n*1\r\n$1\r\na\r\n");
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "UNLINK | a\nUNLINK | b\nUNLINK | a\n");
+  EXPECT_EQ(PrunedPrefixes, (std::map<std::string, bool>{{"/p", true}}));
+  EXPECT_EQ(Sent(),
+            "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\n"
+            "SCAN | 17 | MATCH | /p/* | COUNT | 1000\n--\n"
+            "SCAN | 5 | MATCH | /p/* | COUNT | 1000\n");
+}
+
+TEST_F(MatchingKeys, OfALargeStoreAreAllFound) {
+  for (int i = 0; i < 3000; ++i) {
+    (void)store.Run(model::Command{"SET", "/p/" + std::to_string(i), "v"});
+    (void)store.Run(model::Command{"SET", "/q/" + std::to_string(i), "v"});
+  }
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  // The first 2000 went when the batch was full.
+  EXPECT_GE(RemovalBatch.keys.size(), 1000U);
+  EXPECT_EQ(FlushRemovalBatch(context()), 1U);
+  for (const auto& entry : store.Contents()) ASSERT_EQ(entry.first.substr(0, 3), "/q/");
+  EXPECT_EQ(store.Contents().size(), 3000U);
+}
+
+TEST_F(MatchingKeys, ACursorIsNarrowedToAnInt) {
+  recorder.Answer(0, "*2\r\n$10\r\n4294967301\r\n*0\r\n");
+  recorder.Answer(1, "*2\r\n$1\r\n0\r\n*0\r\n");
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  // Where long has 32 bits, parsing stops at its largest value.
+  const std::string second = sizeof(long) > sizeof(int) ? "5" : "2147483647";
+  EXPECT_EQ(Sent(), "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\nSCAN | " + second +
+                        " | MATCH | /p/* | COUNT | 1000\n");
+}
+
+TEST_F(MatchingKeys, AShortPatternIsMarkedWhole) {
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "*"), 1U);
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/*"), 1U);
+  EXPECT_EQ(PrunedPrefixes, (std::map<std::string, bool>{{"*", true}, {"", true}}));
+}
+
+TEST_F(MatchingKeys, AMalformedAnswerFailsAndMarksNothing) {
+  std::size_t flight = 0;
+  for (const char* reply :
+       {"-ERR no\r\n", "+OK\r\n", "$-1\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", ":0\r\n",
+        "*2\r\n:0\r\n*0\r\n", "*2\r\n$1\r\n0\r\n$1\r\nk\r\n", "*2\r\n$1\r\n0\r\n$-1\r\n",
+        "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nk\r\n:1\r\n", "*2\r\n$1\r\n0\r\n*1\r\n*0\r\n"}) {
+    recorder.Answer(flight++, reply);
+    EXPECT_EQ(Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U) << reply; }), "");
+    EXPECT_EQ(PendingRemovalsText(), "") << reply;
+  }
+  recorder.CutAfter(flight, 0);
+  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U);
+  EXPECT_TRUE(PrunedPrefixes.empty());
+}
+
+TEST_F(MatchingFields, AreTakenFromEverySecondItem) {
+  recorder.Answer(0, "*2\r\n$1\r\n3\r\n*4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n2\r\n");
+  recorder.Answer(1, "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nc\r\n$1\r\n3\r\n");
+  EXPECT_EQ(RemoveMatchingFields(context(), "h", "x *"), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "HDEL | h | a\nHDEL | h | b\nHDEL | h | c\n");
+  EXPECT_EQ(Sent(), "HSCAN | h | 0 | MATCH | x *\n--\nHSCAN | h | 3 | MATCH | x *\n");
+}
+
+TEST_F(MatchingFields, OfALargeHashAreAllFound) {
+  for (int i = 0; i < 1500; ++i) {
+    (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef A /" + std::to_string(i), ""});
+    (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef B /" + std::to_string(i), ""});
+  }
+  EXPECT_EQ(RemoveMatchingFields(context(), "h", "&&ObjectRef A *"), 1U);
+  EXPECT_EQ(FlushRemovalBatch(context()), 1U);
+  EXPECT_EQ(store.Run("HLEN | h").integer, 1500);
+}
+
+TEST_F(MatchingFields, AMalformedAnswerFails) {
+  std::size_t flight = 0;
+  for (const char* reply :
+       {"-ERR no\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", "*2\r\n$1\r\n0\r\n:3\r\n",
+        "*2\r\n$1\r\n0\r\n*2\r\n:1\r\n$1\r\nv\r\n", "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nf\r\n:1\r\n"}) {
+    recorder.Answer(flight++, reply);
+    EXPECT_EQ(RemoveMatchingFields(context(), "h", "*"), 0U) << reply;
+  }
+  EXPECT_EQ(PendingRemovalsText(), "");
+}
+
+TEST_F(PrunedPrefix, IsAnyPartBeforeASlash) {
+  PrunedPrefixes["&&/r/A"] = true;
+  EXPECT_TRUE(IsUnderPrunedPrefix("&&/r/A/*"));
+  EXPECT_TRUE(IsUnderPrunedPrefix("&&/r/A/B/C/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/AB/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("/r/A/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/A"));  // ends before the part would
+  EXPECT_FALSE(IsUnderPrunedPrefix("no slash"));
+  EXPECT_FALSE(IsUnderPrunedPrefix(""));
+}
+
+TEST_F(PrunedPrefix, TheEmptyPartBeforeALeadingSlashCounts) {
+  PrunedPrefixes[""] = true;
+  EXPECT_TRUE(IsUnderPrunedPrefix("/r/*"));
+  EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/*"));
+}
+
+TEST_F(PrunedPrefix, LookingUpAddsWhatIsAbsent) {
+  EXPECT_FALSE(IsUnderPrunedPrefix("/a/b/*"));
+  EXPECT_EQ(PrunedPrefixes,
+            (std::map<std::string, bool>{{"", false}, {"/a", false}, {"/a/b", false}}));
+}
+
+}  // namespace
