@@ -11,6 +11,7 @@
 #include "document/json_file.h"
 #include "driver/arguments.h"
 #include "driver/equals_ignore_case.h"
+#include "driver/standard_descriptors.h"
 #include "driver/static_data_walk.h"
 #include "driver/usage.h"
 #include "handles.h"
@@ -112,6 +113,7 @@ bool FlushAllBatches(redisContext* context) {
 }  // namespace
 
 int RunOstrafel(int argc, char** argv) {
+  OccupyStandardDescriptors();
   SurviveBrokenPipe();
   Arguments arguments;
   if (!CheckArguments(argc, argv, &arguments)) return kFailure;

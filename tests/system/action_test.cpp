@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 
 #include "system/system_fixture.h"
@@ -102,6 +103,34 @@ TEST_F(Action, AnUnwritableStandardOutputDoesNotChangeTheStatus) {
   options.in_child = [] { (void)close(STDOUT_FILENO); };
   EXPECT_EQ(Ostrafel({"create", tree.path(), "/r"}, options).status, 0);
   EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+}
+
+// A program that is started without some standard descriptors opens its connection all the same
+// under another number: a message never goes to the server.
+TEST_F(Action, ClosedStandardDescriptorsAreNotTakenByTheConnection) {
+  tree.Write("a/index.json", R"({"A": 1})");
+  std::filesystem::create_symlink("nowhere", tree.path("x\nFLUSHALL\ny"));
+  (void)store.Run("SET | kept | 1");
+  void (*const closings[])() = {
+      [] { (void)close(STDERR_FILENO); },
+      [] {
+        (void)close(STDIN_FILENO);
+        (void)close(STDERR_FILENO);
+      },
+      [] {
+        (void)close(STDIN_FILENO);
+        (void)close(STDOUT_FILENO);
+        (void)close(STDERR_FILENO);
+      },
+  };
+  for (const auto closing : closings) {
+    RunOptions options;
+    options.in_child = closing;
+    EXPECT_EQ(Ostrafel({"create", tree.path(), "/r"}, options).status, 0);
+    EXPECT_EQ(Sent(), "keys | /r\n--\nkeys | /r/*\n--\nkeys | &&/r/*\n--\nHSET | /r/a | A | 1\n");
+    EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\nstring | kept | 1\n");
+    (void)store.Run("DEL | /r/a");
+  }
 }
 
 }  // namespace
