@@ -88,6 +88,20 @@ TEST_F(Inclusion, AnXmlFileIsAcceptedAsItIs) {
   EXPECT_EQ(printed, "");
 }
 
+TEST_F(Inclusion, TheExtensionIsWhatFollowsTheLastPoint) {
+  Include("a.v1.xml", "<x/>");
+  EXPECT_EQ(Resolve(R"({"&&File": "a.v1.xml"})"), 1U);
+  EXPECT_EQ(object, R"({"&&File":"a.v1.xml"})");
+  Include("a.xml.json", R"({"x": 1})");
+  EXPECT_EQ(Resolve(R"({"&&File": "a.xml.json"})"), 1U);
+  EXPECT_EQ(object, R"({"&&File":"a.xml.json","x":1})");
+  Include("xml", "<x/>");
+  EXPECT_EQ(Resolve(R"({"&&File": "xml"})"), 0U);
+  EXPECT_EQ(printed,
+            "error: on line 1: '[' or '{' expected near '<'\n"
+            "Unqualified JSON file - /usr/local/nginx/www/xml\n");
+}
+
 TEST_F(Inclusion, TheExtensionXmlIsTakenToTheLetter) {
   Include("a.XML", "<x/>");
   EXPECT_EQ(Resolve(R"({"&&File": "a.XML", "Own": 1})"), 0U);

@@ -122,6 +122,16 @@ TEST_F(HashBatching, AFailedRemovalKeepsTheFieldsWaiting) {
   EXPECT_EQ(Sent(), "HDEL | other | f\n");
 }
 
+TEST_F(HashBatching, OnlyACountOfExactly2000Flushes) {
+  HashBatchCount = 2001;
+  ListBatchCount = 2001;
+  ASSERT_EQ(PutHashField(context(), "k", "f", "v"), 1U);
+  ASSERT_EQ(PutListItem(context(), "l", "v"), 1U);
+  EXPECT_EQ(HashBatchCount, 2002U);
+  EXPECT_EQ(ListBatchCount, 2002U);
+  EXPECT_EQ(Sent(), "");
+}
+
 TEST_F(HashBatching, ANullTextIsALogicError) {
   const char* none = nullptr;
   EXPECT_THROW((void)PutHashField(context(), none, "f", "v"), std::logic_error);

@@ -72,6 +72,17 @@ TEST_F(MatchingKeys, AMalformedAnswerFailsAndMarksNothing) {
   EXPECT_TRUE(PrunedPrefixes.empty());
 }
 
+TEST_F(MatchingKeys, StopAtAFailedFlush) {
+  FillRemovalBatch(&store, 1);
+  recorder.Answer(0, "*2\r\n$1\r\n7\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n");
+  (void)Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U); });
+  EXPECT_EQ(PendingRemovalsText(), "");
+  EXPECT_TRUE(PrunedPrefixes.empty());
+  EXPECT_EQ(Sent(),
+            "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\n"
+            "UNLINK | a\nHDEL | no hash | f\n");
+}
+
 TEST_F(MatchingFields, AreTakenFromEverySecondItem) {
   recorder.Answer(0, "*2\r\n$1\r\n3\r\n*4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n2\r\n");
   recorder.Answer(1, "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nc\r\n$1\r\n3\r\n");

@@ -114,16 +114,31 @@ TEST_F(Pruning, KeepsWhatItQueuedWhenTheLinksCannotBeRead) {
 }
 
 TEST_F(Pruning, StopsAtAFailedFlush) {
-  (void)store.Run("SET | s | in the way");
-  RemovalBatch.hash_fields["s"] = {"f"};
-  RemovalBatchCount = BatchLimit;
+  FillRemovalBatch(&store);
   EXPECT_EQ(
       Printed([&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); }),
       "Some errors occur while removing data from database\n"
       "The data in database would be incorrect\n");
   EXPECT_EQ(PendingRemovalsText(), "");
   EXPECT_EQ(RemovalBatchCount, BatchLimit);
-  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nHDEL | s | f\n");
+  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nHDEL | no hash | f\n");
+}
+
+TEST_F(Pruning, StopsAtAFailedFlushBetweenTheRecords) {
+  FillRemovalBatch(&store, 2);  // the field and the first record are queued
+  (void)Printed(
+      [&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); });
+  EXPECT_EQ(PendingRemovalsText(), "");
+  EXPECT_EQ(Sent(),
+            "TYPE | &&/r/A\n--\n"
+            "HDEL | /r | A\nHDEL | /r | &&Array A &&/r/A\nHDEL | no hash | f\n");
+}
+
+TEST_F(StaleKeys, StopAtAFailedFlush) {
+  (void)store.Run("HSET | /c | f | v");
+  FillRemovalBatch(&store);
+  (void)Printed([&] { EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 0U); });
+  EXPECT_EQ(Sent(), "TYPE | /c\n--\nHDEL | no hash | f\n");
 }
 
 TEST_F(StaleKeys, WhatIsThereIsComparedWithWhatIsExpected) {

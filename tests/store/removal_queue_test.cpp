@@ -41,6 +41,13 @@ TEST_F(RemovalQueue, The2001stRemovalFlushesFirst) {
   EXPECT_EQ(Sent(), expected);
 }
 
+TEST_F(RemovalQueue, OnlyACountOfExactly2000Flushes) {
+  RemovalBatchCount = 2001;
+  ASSERT_EQ(QueueRemoval(context(), "k", "", RemoveKey), 1U);
+  EXPECT_EQ(RemovalBatchCount, 2002U);
+  EXPECT_EQ(Sent(), "");
+}
+
 TEST_F(RemovalQueue, FlushesThatOthersMakeDoNotResetTheCount) {
   ASSERT_EQ(QueueRemoval(context(), "k", "", RemoveKey), 1U);
   ASSERT_EQ(FlushRemovalBatch(context()), 1U);

@@ -194,6 +194,13 @@ TEST_F(Writer, AReservedMemberWhosePutFailsIsWrittenOnceMoreAsAScalar) {
   EXPECT_EQ(Pending(), "hash | /r | &&ETag | \"e\"\n");  // quoted: no longer as a reserved member
 }
 
+TEST_F(Writer, AnObjectWhoseRecordCannotBeQueuedIsNotWritten) {
+  (void)store.Run("SET | k | in the way");
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(context(), "k", "f", "v"), 1U);
+  (void)Printed([&] { EXPECT_EQ(Write("/r", R"({"O": {"A": 1}})"), 0U); });
+  EXPECT_EQ(Pending(), "");
+}
+
 TEST_F(Writer, ALinkWhosePutFailsGoesOnAsAnObjectUnderItsId) {
   (void)store.Run("SET | k | in the way");
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(context(), "k", "f", "v"), 1U);
@@ -275,6 +282,24 @@ TEST_F(UpdateWriter, ALinkThatCannotBePrunedGoesOnAsAnObjectUnderItsId) {
             "HSCAN | /r | 0 | MATCH | &&ObjectRef A *\n--\n"
             "TYPE | &&/x/@odata.id\n--\n"
             "HSCAN | /x | 0 | MATCH | &&ObjectRef @odata.id *\n");
+}
+
+TEST_F(UpdateWriter, ALinkWhoseOldObjectCannotBeQueuedGoesOnAsAnObject) {
+  (void)store.Run("HSET | /r | &&Object A &&/r/A | ");
+  FillRemovalBatch(&store);
+  (void)Printed([&] { EXPECT_EQ(Write("/r", R"({"A": {"@odata.id": "/x"}})"), 1U); });
+  EXPECT_EQ(Pending(),
+            "hash | /r | &&Object A /x | \n"
+            "hash | /x | @odata.id | \"/x\"\n");
+}
+
+TEST_F(UpdateWriter, ALinkWhoseOldSubtreeCannotBeReadGoesOnAsAnObject) {
+  (void)store.Run("HSET | /r | &&Object A &&/r/A | ");
+  recorder.Answer(3, "-ERR no\r\n");  // SCAN, after HEXISTS, TYPE and HSCAN
+  EXPECT_EQ(Write("/r", R"({"A": {"@odata.id": "/x"}})"), 1U);
+  EXPECT_EQ(Pending(),
+            "hash | /r | &&Object A /x | \n"
+            "hash | /x | @odata.id | \"/x\"\n");
 }
 
 TEST_F(UpdateWriter, ALinkInAnArrayIsNotLookedUp) {

@@ -30,6 +30,12 @@ std::string StoreTest::Sent() {
   return Describe(recorder.Finish().flights);
 }
 
+void FillRemovalBatch(TestStore* store, std::uint32_t removals_before) {
+  (void)store->Run("SET | no hash | text");
+  RemovalBatch.hash_fields["no hash"] = {"f"};
+  RemovalBatchCount = BatchLimit - removals_before;
+}
+
 std::string PendingRemovalsText() {
   std::string text;
   for (const std::string& key : RemovalBatch.keys) {

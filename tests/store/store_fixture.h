@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <hiredis/hiredis.h>
 
-#include <memory>
+#include <cstdint>
 #include <string>
 
 #include "connection/store_connection.h"
@@ -38,6 +38,10 @@ class StoreTest : public testing::Test {
  private:
   StoreConnection connection_;
 };
+
+/// Makes a later QueueRemoval fail, after this many that succeed: the batch is full by then, and
+/// its flush will be refused because it holds a field of a key that is no hash.
+void FillRemovalBatch(TestStore* store, std::uint32_t removals_before = 0);
 
 /// The pending removals, as the commands that a flush would send.
 std::string PendingRemovalsText();

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -19,6 +20,8 @@
 #include "support/resp.h"
 
 namespace {
+
+constexpr char kSleeping = 'S';
 
 sockaddr_un UnixAddress(const std::string& path) {
   sockaddr_un address = {};
@@ -127,6 +130,11 @@ void Recorder::Answer(std::size_t flight, const std::string& bytes) {
   plans_[flight].answer = bytes;
 }
 
+int Recorder::ClosedByClient() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return recording_.closed_by_client;
+}
+
 Recording Recorder::Finish() {
   is_ending_ = true;
   if (thread_.joinable()) thread_.join();
@@ -174,7 +182,7 @@ void Recorder::ServeConnection(int client) {
     }
     if (commands.empty()) {
       is_open = !is_ending_;
-    } else if (bytes.empty() && ClientWaits() && !IsReadable(client, 0)) {
+    } else if (bytes.empty() && ClientState() == kSleeping && !IsReadable(client, 0)) {
       is_open = PassOn(client, server, std::exchange(commands, {}));
     } else {
       std::this_thread::yield();  // the client is at work
@@ -207,19 +215,29 @@ bool Recorder::PassOn(int client, int server, std::vector<model::Command> comman
     }
   }
   flight.cut_short = plan.is_cut || !is_answered;
-  return WriteAll(client, outgoing) && !flight.cut_short;
+  if (!flight.cut_short && WriteAll(client, outgoing)) return true;
+  SendAndCutOff(client, outgoing);
+  return false;
 }
 
-// True when the client's thread sleeps: with nothing of it left to read, it waits for replies.
-bool Recorder::ClientWaits() const {
-  const int client_id = client_id_;
-  if (client_id == 0) return false;
-  std::ifstream file("/proc/" + std::to_string(client_id) + "/stat");
+void Recorder::SendAndCutOff(int client, const std::string& bytes) const {
+  const bool is_process = client_id_ != getpid();
+  if (is_process) (void)kill(client_id_, SIGSTOP);
+  while (is_process && ClientState() == kSleeping) std::this_thread::yield();
+  (void)WriteAll(client, bytes);
+  (void)shutdown(client, SHUT_RDWR);
+  if (is_process) (void)kill(client_id_, SIGCONT);
+}
+
+// The state of the client's thread, as proc(5) has it; 0 when there is none. One that sleeps, with
+// nothing of it left to read, waits for replies.
+char Recorder::ClientState() const {
+  std::ifstream file("/proc/" + std::to_string(client_id_) + "/stat");
   std::string status;
   std::getline(file, status);
   const std::size_t name_end = status.rfind(')');  // the name may hold anything
-  return name_end != std::string::npos && name_end + 2 < status.size() &&
-         status[name_end + 2] == 'S';
+  if (name_end == std::string::npos || name_end + 2 >= status.size()) return 0;
+  return status[name_end + 2];
 }
 
 std::string Describe(const std::vector<model::Flight>& flights) {

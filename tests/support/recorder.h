@@ -40,11 +40,15 @@ class Recorder {
   void Watch(int client_id);
 
   /// Sends only the first replies of a flight (counted from 0) and then closes the connection. The
-  /// server gets the commands all the same.
+  /// server gets the commands all the same. A client process is stopped meanwhile, so that it finds
+  /// both done: what it sends next meets a peer that is gone.
   void CutAfter(std::size_t flight, std::size_t replies);
 
   /// Answers a flight with these bytes. The server does not get its commands.
   void Answer(std::size_t flight, const std::string& bytes);
+
+  /// How many connections the client has closed so far.
+  int ClosedByClient();
 
   /// Stops listening, ends open connections and returns what was seen.
   Recording Finish();
@@ -60,7 +64,8 @@ class Recorder {
   void Serve();
   void ServeConnection(int client);
   bool PassOn(int client, int server, std::vector<model::Command> commands);
-  bool ClientWaits() const;
+  void SendAndCutOff(int client, const std::string& bytes) const;
+  char ClientState() const;
 
   const std::string client_path_;
   const std::string server_path_;

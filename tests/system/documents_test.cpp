@@ -1,5 +1,14 @@
 // What files hold, and the key that a root object chooses.
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <filesystem>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "system/system_fixture.h"
 
@@ -9,6 +18,13 @@ class Documents : public SystemTest {
  protected:
   static std::string InvalidContent(const std::string& path) {
     return "The content of " + path + " is not a valid JSON data.\n";
+  }
+
+  // The beginning of an object of this many members and more.
+  static std::string ManyMembers(int count) {
+    std::string text = "{";
+    for (int i = 0; i < count; ++i) text += "\"m" + std::to_string(i) + "\": 1, ";
+    return text;
   }
 };
 
@@ -96,24 +112,26 @@ TEST_F(Documents, ARootWithNothingButAnIdThatIsNoStringIsAnOrdinaryMember) {
   EXPECT_EQ(store.Dump(), "hash | /r | @odata.id | 5\n");
 }
 
-TEST_F(Documents, ALaterInvalidFileDropsWhatWaits) {
-  tree.Write("index.json", R"({"A": 1})");
-  const std::string bad = tree.Write("z/index.json", "{");
-  // The order of the listing decides which file comes first; the run fails in any case and no
-  // batch is sent.
-  ExpectFailure({"update", tree.path(), "/r"},
+TEST_F(Documents, ALaterInvalidFileLeavesWhatWasSentAndDropsWhatWaits) {
+  tree.MakeFolder("a");
+  tree.MakeFolder("b");
+  // The files are loaded in the order of the listing.
+  std::vector<std::string> folders;
+  for (const auto& entry : std::filesystem::directory_iterator(tree.path())) {
+    folders.push_back(entry.path().filename().string());
+  }
+  ASSERT_EQ(folders.size(), 2U);
+  tree.Write(folders[0] + "/index.json", ManyMembers(2001) + R"("last": 1})");
+  const std::string bad = tree.Write(folders[1] + "/index.json", "{");
+  ExpectFailure({"create", tree.path(), "/r"},
                 "error: Failed to read file.\n"
                 "error: on line 1: string or '}' expected near end of file\n" +
                     InvalidContent(bad));
-  EXPECT_EQ(store.Dump(), "");
+  EXPECT_EQ(store.Run("HLEN | /r/" + folders[0]).integer, 2000);
 }
 
-TEST_F(Documents, ALaterInvalidFileLeavesWhatWasSent) {
-  // Two files in a folder each would come in either order, so the large one is an update of its own
-  // members: the flush happens in the middle of it.
-  std::string large = "{";
-  for (int i = 0; i < 2001; ++i) large += "\"m" + std::to_string(i) + "\": 1, ";
-  const std::string file = tree.Write("a.json", large + R"("Bad": {"@odata.id": 1}})");
+TEST_F(Documents, AFailedMemberLeavesWhatWasSentAndDropsWhatWaits) {
+  const std::string file = tree.Write("a.json", ManyMembers(2001) + R"("Bad": {"@odata.id": 1}})");
   ExpectFailure({"create", file, "/r"}, ">>> Error occurs while parsing file " + file + "\n");
   EXPECT_EQ(store.Run("HLEN | /r").integer, 2000);
 }
@@ -126,11 +144,42 @@ TEST_F(Documents, TwoFilesForOneKeyAreWrittenOnce) {
   EXPECT_EQ(recording.flights.back().commands.size(), 2U);
 }
 
-TEST_F(Documents, AFailedWriterIsReportedAfterTheConnectionIsClosed) {
+TEST_F(Documents, AFailedWriterIsReported) {
   const std::string file = tree.Write("a.json", R"({"A": 1, "Bad": {"@odata.id": 1}})");
   ExpectFailure({"create", file, "/r"}, ">>> Error occurs while parsing file " + file + "\n");
-  EXPECT_EQ(recording.closed_by_client, 1);
   EXPECT_EQ(store.Dump(), "");
+}
+
+// Standard error of the program in the next test: a pipe that is full.
+int full_pipe = -1;
+
+TEST_F(Documents, AFailedWriterIsReportedAfterTheConnectionIsClosed) {
+  const std::string file = tree.Write("a.json", R"({"Bad": {"@odata.id": 1}})");
+  std::array<int, 2> ends = {};
+  ASSERT_EQ(pipe2(ends.data(), O_NONBLOCK), 0);
+  full_pipe = ends[1];
+  while (write(full_pipe, "x", 1) == 1) continue;
+  ASSERT_EQ(fcntl(full_pipe, F_SETFL, 0), 0);  // the program waits for room to write
+  RunOptions options;
+  options.in_child = [] { (void)dup2(full_pipe, STDERR_FILENO); };
+  bool was_closed_before = false;
+  std::thread reader;
+  plan = [&](Recorder& recorder) {
+    reader = std::thread([&] {
+      const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+      while (!was_closed_before && std::chrono::steady_clock::now() < deadline) {
+        was_closed_before = recorder.ClosedByClient() == 1;
+      }
+      (void)close(full_pipe);
+      std::array<char, 4096> buffer = {};
+      pollfd wait = {ends[0], POLLIN, 0};
+      while (poll(&wait, 1, 20000) > 0 && read(ends[0], buffer.data(), buffer.size()) > 0) continue;
+    });
+  };
+  EXPECT_EQ(Ostrafel({"create", file, "/r"}, options).status, 255);
+  reader.join();
+  (void)close(ends[0]);
+  EXPECT_TRUE(was_closed_before);
 }
 
 TEST_F(Documents, ARootWhoseLastMemberSucceedsIsASuccess) {
