@@ -23,20 +23,21 @@ struct ConnectionConfig {
 ///
 /// A socket path with port 0 gives a Unix socket. No socket path with port 6379 gives TCP; no other
 /// port is accepted. A socket path wins over any port. With neither, the path is "(null)", where
-/// nothing listens, so that connecting fails.
+/// nothing listens, so that connecting fails. Of a port beyond 32 bits the low 32 count.
 ///
 /// Returns nothing when the shell cannot be started, the port file is missing, empty or holds
 /// anything but digits and line feeds, the port overflows, or there is no socket and the port is
 /// not the default one. Prints, through perror, "fopen" for each file that cannot be opened and
 /// "strtol" when the port overflows; what the shell's commands print on standard error passes
 /// through.
-std::optional<ConnectionConfig> ReadConnectionConfig();
+[[nodiscard]] std::optional<ConnectionConfig> ReadConnectionConfig();
 
 /// Reads the first line, at most 1023 bytes, of the file "redis." + key in directory. Its line end
-/// is kept. Both arguments are NUL-terminated; key may be null.
+/// is kept. key is NUL-terminated and may be null. The file's path is cut at 1023 bytes.
 ///
 /// Returns nothing when key is null, key and directory are 1024 bytes or longer together, the file
 /// cannot be opened (then perror prints "fopen"), or nothing can be read from it.
-std::optional<std::string> ReadConfigValue(const char* key, const std::string& directory);
+[[nodiscard]] std::optional<std::string> ReadConfigValue(const char* key,
+                                                         const std::string& directory);
 
 #endif  // OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_

@@ -20,8 +20,8 @@ struct LoadList {
 /// True when path leads to a directory; symbolic links are followed. Prints nothing.
 [[nodiscard]] bool IsDirectory(const std::string& path);
 
-/// True when path leads to a regular file and its last "." begins ".json", in any case. Prints
-/// "Failed to check path %s.\n" when stat fails.
+/// True when path leads to a regular file and the text from its last "." on is ".json", in any
+/// case. Prints "Failed to check path %s.\n" when stat fails.
 [[nodiscard]] bool IsJsonFile(const std::string& path);
 
 /// True when the text after the last "/" of path is name; false without a "/". Prints "Failed to

@@ -33,8 +33,8 @@
 /// Queues value as the last element of the list at key. When BatchLimit values were queued since
 /// the last time, flushes RemovalBatch and then ListBatch first; a failed flush gives 0, queues
 /// nothing and leaves the count, so that the next call flushes again. All texts are NUL-terminated
-/// and copied; a null one raises the standard library's logic error. A text too long for the
-/// standard library gives 0 and prints "Failed to push data: %s.\n".
+/// and copied; a null one is an error of the caller, for which libstdc++ raises logic_error. A text
+/// too long for the standard library gives 0 and prints "Failed to push data: %s.\n".
 [[nodiscard]] unsigned PutListItem(redisContext* context, const char* key, const char* value);
 
 /// Queues value for field of the hash at key; likewise, with HashBatch. A field that waits already

@@ -7,9 +7,10 @@
 // wait in RemovalBatch (store_state.h), so reads see the store as it was before them, unless the
 // batch was flushed in between.
 //
-// Operations return 1 (success) or 0 (failure). They print nothing but QueueRemoval's message, and
-// removals queued before a failure stay queued. Keys and names are used in glob patterns as they
-// are: "*", "?" and "[" in them match as Redis lets them match.
+// Operations return 1 (success) or 0 (failure). They print nothing of their own but QueueRemoval's
+// message; the flush of a full batch prints its own. Removals queued before a failure stay queued.
+// Keys and names are used in glob patterns as they are: "*", "?" and "[" in them match as Redis
+// lets them match.
 #ifndef OSTRAFEL_STORE_PRUNING_H_
 #define OSTRAFEL_STORE_PRUNING_H_
 

@@ -2,8 +2,8 @@
 // batches of command_batches.h; in an update (MergeMode) each member is pruned first (pruning.h).
 //
 // Operations return 1 (success) or 0 (failure). A nested object or array stops at its first failure
-// and passes it up; the top level goes on. Records already queued are not withdrawn. Names and
-// indices of in_list calls: the parent is then a list, name the element's decimal index. Texts that
+// and passes it up; the top level goes on. Records already queued are not withdrawn. Where
+// in_list is true, parent_key is a list and name the decimal index of the element in it. Texts that
 // the standard library refuses raise its logic errors, which the caller handles.
 #ifndef OSTRAFEL_STORE_RESOURCE_WRITER_H_
 #define OSTRAFEL_STORE_RESOURCE_WRITER_H_
@@ -14,7 +14,8 @@
 #include <string>
 
 /// Writes the members of root (borrowed, an object) into the hash at key, unless this run wrote
-/// that key before. Every member is attempted; the result is that of the last one.
+/// that key before: then it returns 1 at once. Every member is attempted; the result is that of the
+/// last one, or 1 when there is none.
 [[nodiscard]] unsigned WriteResource(redisContext* context, const std::string& key, json_t* root);
 
 /// Writes an object member or element: a link (WriteObjectReference), or a reference record in the

@@ -9,11 +9,11 @@
 /// before the next is sent. So "&&" + uri itself is kept without a final slash and deleted with
 /// one. Glob characters in uri keep their meaning.
 ///
-/// uri is a NUL-terminated text; an empty one raises out_of_range, a null one logic_error. Returns
-/// 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed is passed over,
-/// and what DEL answers does not matter. Returns 0 when the reply of a DEL cannot be read (prints
-/// "Failed to get reply\n") or the uri is too long for the standard library (prints "Failed to push
-/// data: %s.\n").
+/// uri is a NUL-terminated text. An empty one raises out_of_range; a null one is an error of the
+/// caller, for which libstdc++ raises logic_error. Returns 1 when every pattern was tried: a KEYS
+/// that is refused, unanswered or malformed is passed over, and what DEL answers does not matter.
+/// Returns 0 when the reply of a DEL cannot be read (prints "Failed to get reply\n") or the uri is
+/// too long for the standard library (prints "Failed to push data: %s.\n").
 [[nodiscard]] unsigned RemoveResourceTree(redisContext* context, const char* uri);
 
 #endif  // OSTRAFEL_STORE_TREE_REMOVAL_H_
