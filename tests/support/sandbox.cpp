@@ -1,5 +1,10 @@
 #include "support/sandbox.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,7 +23,19 @@ std::string FromEnvironment(const char* name) {
 
 std::string ServerSocket() { return FromEnvironment("OSTRAFEL_SANDBOX_SOCKET"); }
 
-bool HasOwnNetwork() { return FromEnvironment("OSTRAFEL_SANDBOX") != "real"; }
+bool DefaultPortIsFree() {
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(6379);
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int on = 1;
+  (void)setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  const bool is_free =
+      bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  (void)close(listener);
+  return is_free;
+}
 
 std::string RuntimeDirectory() { return FromEnvironment("OSTRAFEL_SANDBOX_RUNTIME"); }
 

@@ -9,8 +9,9 @@
 /// The server's own socket.
 std::string ServerSocket();
 
-/// True when the sandbox has a network of its own, so that port 6379 is free.
-bool HasOwnNetwork();
+/// True when nothing uses port 6379: always in a network of the sandbox's own, by luck on the
+/// machine's.
+bool DefaultPortIsFree();
 
 inline constexpr const char* kRedisConf = "/etc/redis/redis.conf";
 inline constexpr const char* kIncludeDirectory = "/usr/local/nginx/www";
