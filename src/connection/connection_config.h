@@ -23,13 +23,14 @@ struct ConnectionConfig {
 ///
 /// A socket path with port 0 gives a Unix socket. No socket path with port 6379 gives TCP; no other
 /// port is accepted. A socket path wins over any port. With neither, the path is "(null)", where
-/// nothing listens, so that connecting fails. Of a port beyond 32 bits the low 32 count.
+/// nothing listens, so that connecting fails. Of a port beyond 32 bits the low 32 count; as
+/// a negative number they are no port, as 0.
 ///
-/// Returns nothing when the shell cannot be started, the port file is missing, empty or holds
-/// anything but digits and line feeds, the port overflows, or there is no socket and the port is
-/// not the default one. Prints, through perror, "fopen" for each file that cannot be opened and
-/// "strtol" when the port overflows; what the shell's commands print on standard error passes
-/// through.
+/// Returns nothing when the shell cannot be started, the port file is missing, empty, cannot
+/// be read or holds anything but digits and line feeds, the port overflows, or there is no socket
+/// and the port is not the default one. Prints, through perror, "fopen" for each file that cannot
+/// be opened and "strtol" when the port overflows; what the shell's commands print on standard
+/// error passes through.
 [[nodiscard]] std::optional<ConnectionConfig> ReadConnectionConfig();
 
 /// Reads the first line, at most 1023 bytes, of the file "redis." + key in directory. Its line end

@@ -9,8 +9,8 @@
 ///
 /// Returns a new reference, or nothing when the file cannot be opened (nothing is printed: the
 /// caller's message names the file) or is not valid JSON (prints "error: on line %d: %s\n" with the
-/// parser's line and text). A file of fewer than 3 bytes makes it print "error: Failed to read
-/// file.\n" and is parsed all the same.
+/// parser's line and text). A file of which fewer than 3 bytes can be read makes it print
+/// "error: Failed to read file.\n" and is parsed all the same.
 [[nodiscard]] Document LoadJsonFile(const char* path);
 
 #endif  // OSTRAFEL_DOCUMENT_JSON_FILE_H_

@@ -9,7 +9,7 @@
 /// shell sees 255) after the messages of the step that failed, all on standard error. The
 /// connection is closed exactly once on every path that opened it. A failed run leaves in the store
 /// what was sent before and drops what waits. Of the exceptions that the standard library raises
-/// only logic errors are handled here; any other ends the process.
+/// only the logic errors of writing a resource are handled here; any other ends the process.
 int RunOstrafel(int argc, char** argv);
 
 #endif  // OSTRAFEL_DRIVER_RUN_H_

@@ -16,7 +16,8 @@
 //   the record is a field whose name holds marker, member name and target, with an empty value, so
 //   that one HKEYS shows every child; in a list it is a value of marker and target.
 // - A nested object that has "@odata.id" beside other members lies under that id, verbatim, instead
-//   of a derived key. One that has nothing but "@odata.id" is a link: a reference record, no key.
+//   of a derived key. One that has nothing but an "@odata.id" string is a link: a reference
+//   record, no key.
 // - Empty objects and arrays have a reference record and no key: Redis has no empty hash or list.
 //
 // Readers of the store rely on every byte of this, blanks included.

@@ -50,11 +50,12 @@ enum RemovalKind {
                                      const std::string& name, const std::string& child_key,
                                      bool in_list, ExpectedKind expected);
 
-/// Queues the removal of child_key and of every key below it, and below its "&&" twin, when the key
-/// holds another type than expected, or a list. A list of plain values has nothing below it and
-/// costs no scan; a subtree that was pruned before in this run is not scanned again, except that
-/// the twin's is scanned without that check. The twin key itself stays. Fails when TYPE does not
-/// answer with a status.
+/// Queues the removal of child_key and of every key below it when the key holds another type than
+/// expected, or a list; for a key without "&&" in front also of every key below its "&&" twin, but
+/// not of the twin itself. A list of plain values has nothing below it and costs no scan. Neither
+/// does a subtree that was pruned before in this run; the mark of the twin's subtree does not
+/// count. Fails when TYPE does not answer with a status, a search fails or a removal cannot be
+/// queued.
 [[nodiscard]] unsigned PruneStaleKey(redisContext* context, const std::string& child_key,
                                      ExpectedKind expected);
 
@@ -64,12 +65,12 @@ enum RemovalKind {
 [[nodiscard]] unsigned IsPlainList(redisContext* context, const std::string& key);
 
 /// Queues the removal of every key that matches pattern, found with SCAN, so that a large store is
-/// not blocked; then marks the pattern less its last two characters in PrunedPrefixes. Fails when
-/// an answer is missing or malformed.
+/// not blocked; then marks the pattern less its last two characters in PrunedPrefixes. Fails,
+/// without the mark, when an answer is missing or malformed or a removal cannot be queued.
 [[nodiscard]] unsigned UnlinkMatchingKeys(redisContext* context, const std::string& pattern);
 
 /// Queues the removal of every field of the hash at key whose name matches pattern, found with
-/// HSCAN. Fails when an answer is missing or malformed.
+/// HSCAN. Fails when an answer is missing or malformed or a removal cannot be queued.
 [[nodiscard]] unsigned RemoveMatchingFields(redisContext* context, const std::string& key,
                                             const std::string& pattern);
 
