@@ -27,7 +27,7 @@ PipeEnds MakePipe() {
 }
 
 [[noreturn]] void BecomeProgram(char* const* argv, int out, int err, const RunOptions& options) {
-  const int nothing = open("/dev/null", O_RDONLY);
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
   (void)dup2(nothing, STDIN_FILENO);
   (void)dup2(out, STDOUT_FILENO);
   (void)dup2(err, STDERR_FILENO);

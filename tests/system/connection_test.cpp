@@ -1,5 +1,5 @@
 // How the program finds its server and what it says when it does not.
-#include <filesystem>
+#include <optional>
 #include <string>
 
 #include "driver/usage_text.h"

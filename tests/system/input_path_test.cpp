@@ -1,6 +1,7 @@
 // From the path and the file name to the keys that are written.
 #include <linux/capability.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -107,6 +108,19 @@ TEST_F(InputPath, AFolderThatCannotBeOpenedFailsTheWholeWalk) {
   EXPECT_EQ(run.status, 255);
   EXPECT_EQ(Sent(), "");
   std::filesystem::permissions(tree.path("closed"), std::filesystem::perms::owner_all);
+}
+
+TEST_F(InputPath, ACycleOfLinksThatUsesUpTheDescriptorsFailsTheWalk) {
+  tree.Write("index.json", R"({"A": 1})");
+  std::filesystem::create_directory_symlink(tree.path(), tree.path("again"));
+  RunOptions options;
+  options.in_child = [] {
+    const rlimit few = {16, 16};
+    (void)setrlimit(RLIMIT_NOFILE, &few);
+  };
+  const Finished run = Ostrafel({"update", tree.path(), "/r"}, options);
+  EXPECT_EQ(run.err, "Error occurs while reading files\n");
+  EXPECT_EQ(run.status, 255);
 }
 
 TEST_F(InputPath, AFileThatCannotBeOpenedHasNoValidContent) {
