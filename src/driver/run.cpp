@@ -113,7 +113,7 @@ bool FlushAllBatches(redisContext* context) {
 }  // namespace
 
 int RunOstrafel(int argc, char** argv) {
-  OccupyStandardDescriptors();
+  if (!OccupyStandardDescriptors()) return kFailure;
   SurviveBrokenPipe();
   Arguments arguments;
   if (!CheckArguments(argc, argv, &arguments)) return kFailure;

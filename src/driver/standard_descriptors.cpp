@@ -3,9 +3,15 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-void OccupyStandardDescriptors() {
-  // open(2) returns the lowest number that is free.
-  int descriptor = open("/dev/null", O_RDWR);
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = open("/dev/null", O_RDWR);
-  if (descriptor > STDERR_FILENO) (void)close(descriptor);
+#include <cstdio>
+
+bool OccupyStandardDescriptors() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    // For an open descriptor fcntl(2) cannot fail, and open(2) returns the lowest number that is
+    // free: this one, because those below it are in use by now.
+    if (fcntl(descriptor, F_GETFD) >= 0 || open("/dev/null", O_RDWR) == descriptor) continue;
+    std::perror("/dev/null");
+    return false;
+  }
+  return true;
 }
