@@ -1,5 +1,7 @@
 #include "support/test_store.h"
 
+#include <fcntl.h>
+
 #include <cstddef>
 #include <stdexcept>
 #include <vector>
@@ -51,6 +53,8 @@ TestStore::TestStore(const std::string& socket_path)
   if (!context_ || context_->err != 0) {
     throw std::runtime_error("cannot connect to the server at " + socket_path);
   }
+  // The programs that a test starts get no descriptor that a user's shell would not give them.
+  (void)fcntl(context_->fd, F_SETFD, FD_CLOEXEC);
 }
 
 model::Reply TestStore::Run(const model::Command& command) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "driver/usage_text.h"
+#include "support/program.h"
 #include "system/system_fixture.h"
 
 namespace {
@@ -58,7 +59,7 @@ TEST_F(FindingTheServer, ThroughTcpOnTheDefaultPort) {
   Recorder recorder("", ServerSocket(), Recorder::Transport::kTcp);
   RunOptions options;
   options.on_start = [&](int process_id) { recorder.Watch(process_id); };
-  const Finished run = RunProgram({OSTRAFEL_PROGRAM, "create", file, "/r"}, options);
+  const Finished run = RunProgram(ProgramCommand({"create", file, "/r"}), options);
   EXPECT_EQ(run.out, kSuccessLine);
   EXPECT_EQ(run.err, kMissingFile);  // the socket file
   EXPECT_EQ(run.status, 0);
@@ -169,7 +170,7 @@ TEST_F(FindingTheServer, AuthenticationIsTheFirstCommand) {
   Publish(files);
   RunOptions options;
   options.on_start = [&](int process_id) { recorder.Watch(process_id); };
-  EXPECT_EQ(RunProgram({OSTRAFEL_PROGRAM, "update", tree.MakeFolder("d"), "/r"}, options).status,
+  EXPECT_EQ(RunProgram(ProgramCommand({"update", tree.MakeFolder("d"), "/r"}), options).status,
             0);
   EXPECT_EQ(Describe(recorder.Finish().flights), "AUTH | secret\n");
 }

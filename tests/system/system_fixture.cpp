@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "support/program.h"
+
 namespace {
 
 std::string RecorderSocket() { return RuntimeDirectory() + "/recorder.sock"; }
@@ -30,11 +32,9 @@ Finished SystemTest::Ostrafel(const std::vector<std::string>& arguments,
     Publish(files);
   }
   if (plan) plan(recorder);
-  std::vector<std::string> command = {OSTRAFEL_PROGRAM};
-  command.insert(command.end(), arguments.begin(), arguments.end());
   RunOptions watched = options;
   watched.on_start = [&](int process_id) { recorder.Watch(process_id); };
-  Finished finished = RunProgram(command, watched);
+  Finished finished = RunProgram(ProgramCommand(arguments), watched);
   recording = recorder.Finish();
   EXPECT_LE(recording.connections, 1);
   bool is_cut = false;

@@ -1,0 +1,17 @@
+#ifndef OSTRAFEL_TESTS_SUPPORT_PROGRAM_H_
+#define OSTRAFEL_TESTS_SUPPORT_PROGRAM_H_
+
+#include <string>
+#include <vector>
+
+/// The command that runs the program under test with these arguments. Two variables of the
+/// environment change it, so that one set of tests serves every build:
+///   OSTRAFEL_PROGRAM   another binary than the one of this build, for example one for ARM
+///   OSTRAFEL_LAUNCHER  a command, its words parted by blanks, that is given the binary and the
+///                      arguments, for example "/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf"
+std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments);
+
+/// True when the program runs under a launcher, which takes its own time, memory and system calls.
+bool HasLauncher();
+
+#endif  // OSTRAFEL_TESTS_SUPPORT_PROGRAM_H_
