@@ -3,15 +3,14 @@
 #ifndef OSTRAFEL_TESTS_SUPPORT_RECORDER_H_
 #define OSTRAFEL_TESTS_SUPPORT_RECORDER_H_
 
-#include <atomic>
 #include <cstddef>
 #include <map>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "model/endpoint.h"
+#include "support/flight_listener.h"
 
 /// What a Recorder saw.
 struct Recording {
@@ -21,10 +20,8 @@ struct Recording {
 };
 
 /// Listens on a Unix socket (or on TCP port 6379 of the loopback interface) and passes on to the
-/// server what a client sends, a whole flight at a time: everything that the client sent before it
-/// began to wait. That it waits is read from the state of its thread, so the division into flights
-/// does not depend on the clock.
-class Recorder {
+/// server what a client sends, a whole flight at a time (see FlightListener).
+class Recorder : private FlightHandler {
  public:
   enum class Transport { kUnix, kTcp };
 
@@ -32,7 +29,7 @@ class Recorder {
   /// server_path is the real server's socket.
   Recorder(const std::string& client_path, const std::string& server_path,
            Transport transport = Transport::kUnix);
-  ~Recorder();
+  ~Recorder() override;
   Recorder(const Recorder&) = delete;
   Recorder& operator=(const Recorder&) = delete;
 
@@ -61,21 +58,18 @@ class Recorder {
     std::size_t replies_before_cut = 0;
   };
 
-  void Serve();
-  void ServeConnection(int client);
-  bool PassOn(int client, int server, std::vector<model::Command> commands);
-  void SendAndCutOff(int client, const std::string& bytes) const;
-  char ClientState() const;
+  void Connected() override;
+  Delivery Answer(const std::vector<model::Command>& commands) override;
+  void LeftUnanswered(const std::vector<model::Command>& commands) override;
+  void LeftInOrder() override;
+  void Disconnect();
 
-  const std::string client_path_;
   const std::string server_path_;
-  int listener_ = -1;
-  std::atomic<bool> is_ending_{false};
-  std::atomic<int> client_id_{0};
+  int server_ = -1;   // the connection to the server; only the listener's thread uses it
   std::mutex mutex_;  // guards plans_ and recording_
   std::map<std::size_t, Plan> plans_;
   Recording recording_;
-  std::thread thread_;
+  FlightListener listener_;
 };
 
 /// The commands of the flights as text, one a line, with "--" between two flights.

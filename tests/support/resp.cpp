@@ -93,3 +93,31 @@ std::optional<model::Command> TakeCommand(std::string* bytes) {
   for (const model::Reply& element : received->reply.elements) command.push_back(element.text);
   return command;
 }
+
+std::string Format(const model::Command& command) {
+  std::string bytes = "*" + std::to_string(command.size()) + "\r\n";
+  for (const std::string& argument : command) bytes += Format(model::StringReply(argument));
+  return bytes;
+}
+
+std::string Format(const model::Reply& reply) {
+  using Type = model::Reply::Type;
+  switch (reply.type) {
+    case Type::kStatus:
+      return "+" + reply.text + "\r\n";
+    case Type::kError:
+      return "-" + reply.text + "\r\n";
+    case Type::kInteger:
+      return ":" + std::to_string(reply.integer) + "\r\n";
+    case Type::kString:
+      return "$" + std::to_string(reply.text.size()) + "\r\n" + reply.text + "\r\n";
+    case Type::kArray: {
+      std::string bytes = "*" + std::to_string(reply.elements.size()) + "\r\n";
+      for (const model::Reply& element : reply.elements) bytes += Format(element);
+      return bytes;
+    }
+    case Type::kNil:
+    default:
+      return "$-1\r\n";
+  }
+}

@@ -11,6 +11,12 @@
 /// stay as they are, while it is not whole. Throws std::runtime_error on anything else.
 std::optional<model::Command> TakeCommand(std::string* bytes);
 
+/// The command as a client sends it.
+std::string Format(const model::Command& command);
+
+/// The reply as a server sends it; a nil as a null string ("$-1").
+std::string Format(const model::Reply& reply);
+
 /// A reply as read and as it came.
 struct ReceivedReply {
   model::Reply reply;

@@ -1,0 +1,96 @@
+// A Redis server that does what a test says and a real one will not do on demand.
+#ifndef OSTRAFEL_TESTS_SUPPORT_SCRIPTED_SERVER_H_
+#define OSTRAFEL_TESTS_SUPPORT_SCRIPTED_SERVER_H_
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/memory_store.h"
+#include "support/flight_listener.h"
+#include "support/recorder.h"
+
+/// Listens on a Unix socket, or on TCP port 6379 of the loopback interface, and plays a Redis
+/// server over a store in memory: every command gets the reply that a real server gives
+/// (model::Execute; AUTH gets OK), except where a fault is planned. It waits with its replies until
+/// the client waits for them (see FlightListener), so that which commands travelled as one
+/// pipeline, and what was sent before a fault, does not depend on the clock.
+///
+/// Faults are planned before the client connects. Commands and bytes of replies are counted over
+/// all connections, commands from 0.
+class ScriptedServer : private FlightHandler {
+ public:
+  /// Bytes for a command instead of the good reply; nothing: the good reply.
+  using Script =
+      std::function<std::optional<std::string>(std::size_t index, const model::Command& command)>;
+
+  /// Starts to listen at once. path is where the client connects; empty: TCP port 6379.
+  explicit ScriptedServer(const std::string& path, model::Store store = {});
+  ~ScriptedServer() override;
+  ScriptedServer(const ScriptedServer&) = delete;
+  ScriptedServer& operator=(const ScriptedServer&) = delete;
+
+  /// Names the client: a process or thread id.
+  void Watch(int client_id);
+
+  /// Answers one command with these bytes, whatever they are; the store does not get the command.
+  /// With less than one reply the client waits for ever, unless the connection is then closed.
+  void AnswerCommand(std::size_t command, const std::string& bytes);
+
+  /// Answers every command for which the script returns bytes with these; the store does not get
+  /// it. Takes precedence over AnswerCommand. Called from the server's own thread.
+  void AnswerIf(Script script);
+
+  /// Closes the connection when this command has come, after the replies of those before it. The
+  /// store gets it, and what travelled with it, all the same, as from a server that loses the way
+  /// back.
+  void CloseBeforeReply(std::size_t command, Ending ending);
+
+  /// Closes the connection behind the reply of this command, without waiting for another. Later
+  /// commands that travelled with it reach the store.
+  void CloseAfterReply(std::size_t command, Ending ending);
+
+  /// Closes the connection when so many bytes of replies were sent.
+  void CloseAfterBytes(std::size_t bytes, Ending ending);
+
+  /// Sends replies one byte at a time, each byte in a packet of its own. Those before a close are
+  /// sent together.
+  void DeliverByteByByte();
+
+  /// How many bytes of replies were sent so far.
+  std::size_t BytesSent();
+
+  /// Stops listening, ends open connections and returns what was seen. A flight's replies are those
+  /// that were sent whole.
+  Recording Finish();
+
+  /// What is stored. To be asked after Finish.
+  const model::Store& Contents() const { return store_; }
+
+ private:
+  void Connected() override;
+  Delivery Answer(const std::vector<model::Command>& commands) override;
+  void LeftUnanswered(const std::vector<model::Command>& commands) override;
+  void LeftInOrder() override;
+  std::string ReplyTo(const model::Command& command);
+
+  std::mutex mutex_;  // guards everything below but the listener
+  model::Store store_;
+  Script script_;
+  std::map<std::size_t, std::string> answers_;
+  std::optional<std::size_t> close_before_;
+  std::optional<std::size_t> close_after_;
+  std::optional<std::size_t> close_at_byte_;
+  Ending ending_ = Ending::kFin;
+  bool is_byte_by_byte_ = false;
+  std::size_t commands_seen_ = 0;
+  std::size_t bytes_sent_ = 0;
+  Recording recording_;
+  FlightListener listener_;
+};
+
+#endif  // OSTRAFEL_TESTS_SUPPORT_SCRIPTED_SERVER_H_

@@ -1,0 +1,30 @@
+// Stream sockets for the servers that stand in for Redis. Failures throw std::runtime_error.
+#ifndef OSTRAFEL_TESTS_SUPPORT_SOCKETS_H_
+#define OSTRAFEL_TESTS_SUPPORT_SOCKETS_H_
+
+#include <string>
+
+/// A descriptor that listens on the Unix socket at this path, which is made anew.
+int ListenOnUnixSocket(const std::string& path);
+
+/// A descriptor that listens on port 6379 of the loopback interface.
+int ListenOnDefaultPort();
+
+/// A connection to the Unix socket at this path.
+int ConnectToUnixSocket(const std::string& path);
+
+/// True when something can be read, be it the end of the stream, or comes in so many milliseconds.
+bool IsReadable(int descriptor, int milliseconds);
+
+/// Appends what can be read now. Returns false at the end of the stream or on an error.
+bool ReadSome(int descriptor, std::string* bytes);
+
+/// Sends everything. Returns false when the peer is gone.
+bool WriteAll(int descriptor, const std::string& bytes);
+
+/// Sends everything, each byte in a packet of its own, the next one when the peer has the last: on
+/// a Unix socket has read it, over TCP has received it. A peer that sends something itself is not
+/// waited for.
+bool WriteByteByByte(int descriptor, const std::string& bytes);
+
+#endif  // OSTRAFEL_TESTS_SUPPORT_SOCKETS_H_
