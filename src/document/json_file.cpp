@@ -2,6 +2,22 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Set when jansson gets no memory. Its parser leaves out, silently, the characters of a text that
+// it has no memory for.
+bool is_memory_exhausted = false;
+
+void* Allocate(std::size_t size) {
+  void* memory = std::malloc(size);
+  if (memory == nullptr) is_memory_exhausted = true;
+  return memory;
+}
+
+}  // namespace
 
 Document LoadJsonFile(const char* path) {
   const File file(std::fopen(path, "r"));
@@ -14,8 +30,12 @@ Document LoadJsonFile(const char* path) {
   }
   if (start != byte_order_mark) std::rewind(file.get());
 
+  json_set_alloc_funcs(Allocate, std::free);
+  is_memory_exhausted = false;
   json_error_t error;
   Document document(json_loadf(file.get(), 0, &error));
   if (!document) (void)std::fprintf(stderr, "error: on line %d: %s\n", error.line, error.text);
+  // A document that lacks a character must not be stored.
+  if (document && is_memory_exhausted) throw std::bad_alloc();
   return document;
 }

@@ -10,7 +10,8 @@
 /// Returns a new reference, or nothing when the file cannot be opened (nothing is printed: the
 /// caller's message names the file) or is not valid JSON (prints "error: on line %d: %s\n" with the
 /// parser's line and text). A file of which fewer than 3 bytes can be read makes it print
-/// "error: Failed to read file.\n" and is parsed all the same.
+/// "error: Failed to read file.\n" and is parsed all the same. Raises bad_alloc when memory ran out
+/// and the parser did not notice. Sets jansson's allocation functions, process-wide.
 [[nodiscard]] Document LoadJsonFile(const char* path);
 
 #endif  // OSTRAFEL_DOCUMENT_JSON_FILE_H_

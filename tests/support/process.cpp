@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr auto kLimit = std::chrono::minutes(1);
-
 struct PipeEnds {
   int read = -1;
   int write = -1;
@@ -38,10 +36,10 @@ PipeEnds MakePipe() {
 }
 
 // Reads both pipes until the program has closed them. Returns false when that takes too long.
-bool Collect(int out, int err, Finished* finished) {
+bool Collect(int out, int err, std::chrono::seconds time_limit, Finished* finished) {
   std::array<pollfd, 2> waits = {pollfd{out, POLLIN, 0}, pollfd{err, POLLIN, 0}};
   std::array<std::string*, 2> texts = {&finished->out, &finished->err};
-  const auto deadline = std::chrono::steady_clock::now() + kLimit;
+  const auto deadline = std::chrono::steady_clock::now() + time_limit;
   std::array<char, 4096> buffer = {};
   while (waits[0].fd >= 0 || waits[1].fd >= 0) {
     if (std::chrono::steady_clock::now() > deadline) return false;
@@ -75,7 +73,7 @@ Finished RunProgram(const std::vector<std::string>& arguments, const RunOptions&
   if (options.on_start) options.on_start(child);
 
   Finished finished;
-  if (!Collect(out.read, err.read, &finished)) {
+  if (!Collect(out.read, err.read, options.time_limit, &finished)) {
     finished.err += "(killed by the test: it did not end)\n";
     (void)kill(child, SIGKILL);
   }

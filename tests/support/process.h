@@ -2,6 +2,7 @@
 #ifndef OSTRAFEL_TESTS_SUPPORT_PROCESS_H_
 #define OSTRAFEL_TESTS_SUPPORT_PROCESS_H_
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,6 +14,8 @@ struct Finished {
 };
 
 struct RunOptions {
+  /// A program that has not ended after this time is killed.
+  std::chrono::seconds time_limit = std::chrono::minutes(1);
   /// Called with the process id as soon as the process exists.
   std::function<void(int process_id)> on_start;
   /// Run in the child before the program, for example to give up a privilege.
@@ -20,7 +23,7 @@ struct RunOptions {
 };
 
 /// Runs arguments[0] with the rest as its arguments, standard input empty, and waits for its end. A
-/// program that has not ended after a minute is killed.
+/// program that takes too long is killed.
 Finished RunProgram(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
 #endif  // OSTRAFEL_TESTS_SUPPORT_PROCESS_H_

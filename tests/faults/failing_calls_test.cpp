@@ -1,0 +1,122 @@
+// Calls of the system and of stdio that fail, each in its turn.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <set>
+#include <string>
+
+#include "faults/failing_series.h"
+
+namespace {
+
+using FailingCall = FailingSeries;
+
+TEST_F(FailingCall, OpenIsOfNoConsequenceWithAllStandardDescriptors) { FailEveryCall("open"); }
+
+TEST_F(FailingCall, FopenEndsTheRunOrIsReported) { FailEveryCall("fopen"); }
+
+TEST_F(FailingCall, FreadIsReportedAndTheFileIsParsedAllTheSame) { FailEveryCall("fread"); }
+
+TEST_F(FailingCall, FgetsLeavesAConfigurationUnread) { FailEveryCall("fgets"); }
+
+TEST_F(FailingCall, FgetcCutsADocumentShort) { FailEveryCall("fgetc", {}, 40); }
+
+TEST_F(FailingCall, ReadEndsTheRun) { FailEveryCall("read"); }
+
+TEST_F(FailingCall, WriteEndsTheRun) { FailEveryCall("write"); }
+
+TEST_F(FailingCall, InterruptedReadIsTakenUpAgain) { FailEveryCallWith(EINTR, "read"); }
+
+TEST_F(FailingCall, InterruptedWriteIsTakenUpAgain) { FailEveryCallWith(EINTR, "write"); }
+
+TEST_F(FailingCall, SocketIsNoConnection) { FailEveryCall("socket"); }
+
+TEST_F(FailingCall, ConnectIsNoConnection) { FailEveryCall("connect"); }
+
+TEST_F(FailingCall, PopenIsNoConnection) { FailEveryCall("popen"); }
+
+TEST_F(FailingCall, PcloseIsOfNoConsequence) { FailEveryCall("pclose"); }
+
+TEST_F(FailingCall, OpendirEndsTheRun) { FailEveryCall("opendir"); }
+
+TEST_F(FailingCall, ReaddirEndsTheRun) { FailEveryCall("readdir"); }
+
+// The rule is to pass over what cannot be examined: the file, or a folder with all that is in it,
+// is not loaded, and the run succeeds. For a file, and for a folder at its first examination, there
+// is a message; a folder that only the second examination fails for is passed over in silence.
+TEST_F(FailingCall, StatPassesAnEntryOver) {
+  std::set<std::string> stores;
+  std::string stores_action;
+  FailEveryCall("stat", [&](const FailingCalls& /*failing*/, const FailingRun& run) {
+    if (run.finished.status != 0) return false;
+    const std::string stored = store.Dump();
+    if (stores_action != action) {
+      stores = StoresOfSomeFiles(action);
+      stores_action = action;
+    }
+    ExpectDocumentedMessages(run.finished.err);
+    return run.finished.out == kSuccessLine && stores.count(stored) == 1;
+  });
+}
+
+// The line of success is lost with the standard output that cannot take it; the status is not.
+TEST_F(FailingCall, PutsLosesTheLineOfSuccess) {
+  FailEveryCall("puts", [&](const FailingCalls& /*failing*/, const FailingRun& run) {
+    return run.finished.status == 0 && run.finished.out.empty() && run.finished.err.empty() &&
+           store.Dump() == clean_store;
+  });
+}
+
+void CloseStandardError() { (void)close(STDERR_FILENO); }
+
+void CloseStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) (void)close(descriptor);
+}
+
+void CloseStandardInputAndOutput() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO}) (void)close(descriptor);
+}
+
+// Without a place for messages nothing is opened: a message would be sent to the server.
+TEST_F(FailingCall, OpenWithoutStandardDescriptorsEndsTheRunBeforeItBegins) {
+  const struct {
+    void (*in_child)();
+    unsigned long opened;
+    const char* err;
+  } cases[] = {{CloseStandardError, 1, ""},
+               {CloseStandardDescriptors, 3, ""},
+               {CloseStandardInputAndOutput, 2, "/dev/null: Too many open files\n"}};
+  for (const auto& c : cases) {
+    for (unsigned long i = 0; i < c.opened; ++i) {
+      for (const bool is_onwards : {false, true}) {
+        RestoreStore();
+        const std::string stored = store.Dump();
+        const FailingRun run =
+            RunDirectly({"open", i, is_onwards, 0}, Arguments("create"), c.in_child);
+        SCOPED_TRACE(Describe(run));
+        EXPECT_EQ(run.finished.status, 255);
+        EXPECT_EQ(run.finished.out, "");
+        EXPECT_EQ(run.finished.err, c.err);
+        EXPECT_EQ(run.counts.at("socket"), 0U);
+        EXPECT_EQ(run.counts.at("popen"), 0U);
+        EXPECT_EQ(store.Dump(), stored);
+      }
+    }
+  }
+}
+
+// The one open that comes after these is jansson's, for a random number that it can do without.
+TEST_F(FailingCall, OpenOfAnythingElseWithoutStandardErrorIsOfNoConsequence) {
+  RestoreStore();
+  (void)RunDirectly({}, Arguments("create"));
+  const std::string clean = store.Dump();
+  RestoreStore();
+  const FailingRun run = RunDirectly({"open", 1, true, 0}, Arguments("create"), CloseStandardError);
+  EXPECT_EQ(run.finished.status, 0) << Describe(run);
+  EXPECT_EQ(run.finished.out, kSuccessLine);
+  EXPECT_EQ(run.counts.at("open"), 2U);
+  EXPECT_EQ(store.Dump(), clean);
+}
+
+}  // namespace
