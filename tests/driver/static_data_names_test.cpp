@@ -1,0 +1,31 @@
+// Paths and keys of unusual form that a walk meets.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "driver/static_data_walk.h"
+#include "support/temp_directory.h"
+
+namespace {
+
+TEST(StaticDataNames, AnEmptyRootKeyStandsForTheRoot) {
+  const TempDirectory tree;
+  tree.Write("v1/Systems/index.json", "{}");
+  LoadList list;
+  ASSERT_TRUE(WalkStaticData(tree.path(), "", "index.json", &list));
+  EXPECT_EQ(list.keys, std::vector<std::string>{"/v1/Systems"});
+}
+
+TEST(StaticDataNames, AFileWithoutAPointInItsWholePathIsNoJsonFile) {
+  const TempDirectory tree;
+  tree.Write("json", "{}");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(tree.path());
+  const bool is_json_file = IsJsonFile("json");
+  std::filesystem::current_path(before);
+  EXPECT_FALSE(is_json_file);
+}
+
+}  // namespace
