@@ -295,8 +295,7 @@ std::string RandomDocument(std::mt19937_64& generator, const RandomTreeOptions& 
   return DocumentGrower(generator, options, key).Root();
 }
 
-void WriteRandomTree(std::mt19937_64& generator, const std::string& directory,
-                     const RandomTreeOptions& options) {
+Tree RandomTree(std::mt19937_64& generator, const RandomTreeOptions& options) {
   // Folders as their paths below the top, each with its leading slash.
   std::vector<std::string> folders = {""};
   const std::size_t wanted = 1 + Below(generator, options.folders);
@@ -311,14 +310,29 @@ void WriteRandomTree(std::mt19937_64& generator, const std::string& directory,
 
   RandomTreeOptions slim = options;
   slim.bulk = 0;
+  Tree tree;
   for (std::size_t i = 0; i < folders.size(); ++i) {
-    const std::string folder = directory + folders[i];
-    std::filesystem::create_directories(folder);
+    TreeFolder& folder = tree.emplace_back(TreeFolder{folders[i], std::nullopt});
     const bool has_bulk = options.bulk != 0 && i == bulky;
     if (!has_bulk && OneIn(generator, options.bare_folder_one_in)) continue;
-    WriteFile(folder + "/" + options.file_name,
-              RandomDocument(generator, has_bulk ? options : slim, options.uri + folders[i]));
+    folder.document =
+        RandomDocument(generator, has_bulk ? options : slim, options.uri + folder.path);
   }
+  return tree;
+}
+
+void WriteTree(const Tree& tree, const std::string& directory, const std::string& file_name) {
+  for (const TreeFolder& folder : tree) {
+    std::filesystem::create_directories(directory + folder.path);
+    if (folder.document) {
+      WriteFile(directory + folder.path + "/" + file_name, *folder.document);
+    }
+  }
+}
+
+void WriteRandomTree(std::mt19937_64& generator, const std::string& directory,
+                     const RandomTreeOptions& options) {
+  WriteTree(RandomTree(generator, options), directory, options.file_name);
 }
 
 }  // namespace model

@@ -2,6 +2,7 @@
 #define OSTRAFEL_TESTS_MODEL_RANDOM_TREE_H_
 
 #include <cstddef>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -55,9 +56,24 @@ struct RandomTreeOptions {
 std::string RandomDocument(std::mt19937_64& generator, const RandomTreeOptions& options,
                            const std::string& key);
 
-/// Writes a random tree of folders and documents into the directory, which must exist. Folder
-/// names come from the pool of member names as far as they can name a folder. Documents that a
-/// former tree left in the directory are overwritten or stay.
+/// One folder of static data.
+struct TreeFolder {
+  std::string path;                     ///< Below the top folder: "" for that one, else "/A/B".
+  std::optional<std::string> document;  ///< The text of its file, when it has one.
+};
+
+/// A tree of static data as a value, its folders in the order in which they are made.
+using Tree = std::vector<TreeFolder>;
+
+/// A random tree of folders and documents. Folder names come from the pool of member names as far
+/// as they can name a folder.
+Tree RandomTree(std::mt19937_64& generator, const RandomTreeOptions& options);
+
+/// Writes the tree into the directory, which must exist, each document under this file name.
+/// Documents that a former tree left in the directory are overwritten or stay.
+void WriteTree(const Tree& tree, const std::string& directory, const std::string& file_name);
+
+/// Writes a random tree into the directory.
 void WriteRandomTree(std::mt19937_64& generator, const std::string& directory,
                      const RandomTreeOptions& options);
 

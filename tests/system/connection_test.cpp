@@ -170,8 +170,7 @@ TEST_F(FindingTheServer, AuthenticationIsTheFirstCommand) {
   Publish(files);
   RunOptions options;
   options.on_start = [&](int process_id) { recorder.Watch(process_id); };
-  EXPECT_EQ(RunProgram(ProgramCommand({"update", tree.MakeFolder("d"), "/r"}), options).status,
-            0);
+  EXPECT_EQ(RunProgram(ProgramCommand({"update", tree.MakeFolder("d"), "/r"}), options).status, 0);
   EXPECT_EQ(Describe(recorder.Finish().flights), "AUTH | secret\n");
 }
 

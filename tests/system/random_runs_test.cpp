@@ -1,7 +1,9 @@
 // Random trees, created and updated in random sequences, beside the model.
 #include <cstdlib>
 #include <random>
+#include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/random_tree.h"
@@ -21,17 +23,24 @@ class RandomRuns : public ModelCheckedTest {
     }
   }
 
-  // One sequence: a create, then some updates and creates of other trees for the same keys.
   void RunSequence(std::uint64_t seed, const model::RandomTreeOptions& options, int runs) {
+    const model::Sequence sequence = RandomSequence(seed, options, runs);
+    if (Play(sequence).empty()) return;
+    const auto play = [&](const model::Sequence& candidate) { return Play(candidate); };
+    FAIL() << "seed " << seed << "\n" << Explain(sequence, play);
+  }
+
+  // A create, then some updates and creates of other trees for the same keys.
+  static model::Sequence RandomSequence(std::uint64_t seed, const model::RandomTreeOptions& options,
+                                        int runs) {
     std::mt19937_64 generator(seed);
-    (void)store.Run("FLUSHALL");
+    model::Sequence sequence;
     for (int run = 0; run < runs; ++run) {
-      const TempDirectory directory;
-      model::WriteRandomTree(generator, directory.path(), options);
+      model::Tree random_tree = model::RandomTree(generator, options);
       const std::string action = run == 0 || generator() % 6 == 0 ? "create" : "update";
-      ASSERT_NO_FATAL_FAILURE(RunBoth({action, directory.path(), options.uri}))
-          << "seed " << seed << ", run " << run << ", " << action;
+      sequence.push_back({action, options.uri, std::move(random_tree)});
     }
+    return sequence;
   }
 };
 
@@ -91,6 +100,39 @@ TEST_F(RandomRuns, AgainstAStoreThatHoldsOtherTypes) {
     }
     ASSERT_NO_FATAL_FAILURE(RunBoth({"update", directory.path(), "/redfish"})) << "seed " << seed;
   }
+}
+
+// A rule that does not hold: that an update never removes a key.
+TEST_F(RandomRuns, AFailureIsShownAsTheFewestRunsAndFilesThatMakeIt) {
+  const auto compare = [&](const std::vector<std::string>& arguments) {
+    const model::Store before = store.Contents();
+    std::string difference = Compare(arguments);
+    if (arguments.front() == "create") return difference;
+    const model::Store after = store.Contents();
+    for (const auto& entry : before) {
+      if (after.count(entry.first) == 0) difference += "removed: " + entry.first + "\n";
+    }
+    return difference;
+  };
+  const auto play = [&](const model::Sequence& sequence) { return Play(sequence, compare); };
+  // Most sequences break the rule.
+  model::RandomTreeOptions options;
+  options.folders = 3;
+  model::Sequence sequence;
+  for (std::uint64_t seed = 6000000; seed < 6000020 && play(sequence).empty(); ++seed) {
+    sequence = RandomSequence(seed, options, 3);
+  }
+  ASSERT_NE(play(sequence), "");
+  const std::string message = Explain(sequence, play, std::chrono::seconds(120));
+  const std::regex expected(
+      "The smallest sequence found in [0-9]+ attempts:\n"
+      "Ostrafel (create|update) TREE /[a-z]\n"
+      "  TREE/index.json: \\{[^\n]{1,40}\\}\n"
+      "Ostrafel update TREE /[a-z]\n"
+      "  TREE/index.json: \\{[^\n]{1,40}\\}\n"
+      "What differs after its last run:\n"
+      "removed: [^\n]{1,20}\n");
+  EXPECT_TRUE(std::regex_match(message, expected)) << message;
 }
 
 }  // namespace
