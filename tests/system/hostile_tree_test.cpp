@@ -1,0 +1,185 @@
+// Folders, files and links that a tree of static data may hold and should not.
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "system/system_fixture.h"
+
+namespace {
+
+const std::vector<std::string> kHostileNames = {
+    " ",
+    " a b ",
+    "%s%n%d%b",
+    "*",
+    "?[a-z]",
+    "\\",
+    "'\"`$(reboot)`",
+    "-rf",
+    "line\nend\r",
+    "\x01\x1b[2J\x7f",
+    "\xff\xfe\x80",
+    "&&",
+    "&&Object a",
+    "...",
+    ".hidden",
+    "index.jsonx",
+    "|;&<>#~",
+    std::string(255, 'n'),
+};
+
+class HostileTree : public SystemTest {
+ protected:
+  // Runs the action on the whole tree and expects success with these lines on standard error.
+  void LoadWithMessages(const char* action, const std::string& err) {
+    const Finished run = Ostrafel({action, tree.path(), "/r"});
+    EXPECT_EQ(run.out, kSuccessLine);
+    EXPECT_EQ(run.err, err);
+    EXPECT_EQ(run.status, 0);
+  }
+
+  void MakeFifo(const std::string& name) { ASSERT_EQ(mkfifo(tree.path(name).c_str(), 0600), 0); }
+};
+
+TEST_F(HostileTree, AnyNameOfAFolderIsPartOfTheKey) {
+  model::Store expected;
+  for (const std::string& name : kHostileNames) {
+    tree.Write(name + "/index.json", R"({"A": {"x": 1}})");
+    tree.Write(name + "/" + name + "/index.json", R"({"B": 2})");
+    const std::string key = "/r/" + name;
+    expected[key].value = model::Hash{{"&&Object A &&" + key + "/A", ""}};
+    expected["&&" + key + "/A"].value = model::Hash{{"x", "1"}};
+    expected[key + "/" + name].value = model::Hash{{"B", "2"}};
+  }
+  for (const char* action : {"create", "update"}) {
+    Load({action, tree.path(), "/r"});
+    EXPECT_EQ(store.Dump(), model::Dump(expected)) << action;
+  }
+}
+
+TEST_F(HostileTree, AnyNameOfAFileIsTakenAsItIs) {
+  for (const std::string& name : kHostileNames) {
+    if (name.size() > 250) continue;  // no room for the extension
+    const TempDirectory other;
+    other.Write(name + ".json", R"({"A": 1})");
+    other.Write("index.json", R"({"A": 2})");
+    other.Write("ab.json", R"({"A": 3})");
+    (void)store.Run("FLUSHALL");
+    Load({"update", other.path(), "/r", name + ".json"});
+    EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n") << name;
+  }
+}
+
+TEST_F(HostileTree, AnyPathIsShownAsItIs) {
+  for (const std::string& name : kHostileNames) {
+    const TempDirectory other;
+    const std::string bad = other.Write(name + "/index.json", "[]\n");
+    ExpectFailure({"create", other.path(), "/r"},
+                  "The content of " + bad + " is not a valid JSON data.\n");
+    const std::string missing = other.path(name + "/missing");
+    ExpectFailure({"create", missing, "/r"}, "Failed to check path " + missing +
+                                                 ".\nInput path should be a file or directory\n");
+  }
+}
+
+TEST_F(HostileTree, ALinkToItsOwnFolderIsFollowedFortyTimes) {
+  tree.Write("index.json", R"({"A": 1})");
+  std::filesystem::create_directory_symlink(tree.path(), tree.path("loop"));
+  // The system follows no more than 40 links on the way to one file.
+  model::Store expected;
+  std::string below;
+  for (int links = 0; links <= 40; ++links) {
+    expected["/r" + below].value = model::Hash{{"A", "1"}};
+    below += "/loop";
+  }
+  LoadWithMessages("create", "Failed to check path " + tree.path() + below + ".\n");
+  EXPECT_EQ(store.Dump(), model::Dump(expected));
+  LoadWithMessages("update", "Failed to check path " + tree.path() + below + ".\n");
+  EXPECT_EQ(store.Dump(), model::Dump(expected));
+}
+
+TEST_F(HostileTree, ALinkToTheParentIsFollowedFortyTimes) {
+  tree.Write("a/index.json", R"({"A": 1})");
+  std::filesystem::create_directory_symlink("..", tree.path("a/up"));
+  model::Store expected;
+  std::string below = "/a";
+  for (int links = 0; links <= 40; ++links) {
+    expected["/r" + below].value = model::Hash{{"A", "1"}};
+    below += "/up/a";
+  }
+  below.resize(below.size() - 2);  // the 41st link itself cannot be examined
+  LoadWithMessages("create", "Failed to check path " + tree.path() + below + ".\n");
+  EXPECT_EQ(store.Dump(), model::Dump(expected));
+}
+
+TEST_F(HostileTree, LinksThatLeadNowhereAreReportedAndPassedOver) {
+  tree.Write("a/index.json", R"({"A": 1})");
+  std::filesystem::create_symlink("itself", tree.path("itself"));
+  LoadWithMessages("create", "Failed to check path " + tree.path("itself") + ".\n");
+  std::filesystem::remove(tree.path("itself"));
+  std::filesystem::create_symlink("/nowhere/index.json", tree.path("index.json"));
+  LoadWithMessages("update", "Failed to check path " + tree.path("index.json") + ".\n");
+  EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
+}
+
+TEST_F(HostileTree, LinksToFilesAndFoldersAreFollowed) {
+  const TempDirectory elsewhere;
+  elsewhere.Write("real.txt", R"({"A": 1})");
+  elsewhere.Write("folder/index.json", R"({"A": 2})");
+  std::filesystem::create_symlink(elsewhere.path("real.txt"), tree.path("index.json"));
+  std::filesystem::create_symlink(elsewhere.path("folder"), tree.path("link"));
+  Load({"create", tree.path(), "/r"});
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\nhash | /r/link | A | 2\n");
+}
+
+TEST_F(HostileTree, OnlyRegularFilesAreOpened) {
+  tree.Write("a/index.json", R"({"A": 1})");
+  MakeFifo("index.json");
+  MakeFifo("fifo");
+  tree.MakeFolder("zero");
+  std::filesystem::create_symlink("/dev/zero", tree.path("zero/index.json"));
+  std::filesystem::create_symlink(tree.path("fifo"), tree.path("a/fifo.json"));
+  tree.MakeFolder("socket");
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  const std::string path = tree.path("socket/index.json");
+  ASSERT_LT(path.size(), sizeof address.sun_path);
+  std::memcpy(address.sun_path, path.c_str(), path.size());
+  const int server = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(bind(server, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  for (const char* action : {"create", "update"}) {
+    Load({action, tree.path(), "/r"});
+    EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
+  }
+  for (const char* name : {"index.json", "zero/index.json", "socket/index.json"}) {
+    ExpectFailure({"update", tree.path(name), "/r"}, "Input path should be a file or directory\n");
+  }
+  (void)close(server);
+}
+
+TEST_F(HostileTree, AFolderNamedLikeTheFileIsAFolder) {
+  tree.Write("index.json/index.json", R"({"A": 1})");
+  tree.Write("index.json/index.json.json/x.json", "no JSON");
+  Load({"create", tree.path(), "/r"});
+  EXPECT_EQ(store.Dump(), "hash | /r/index.json | A | 1\n");
+}
+
+TEST_F(HostileTree, FilesOfOtherNamesAreNotRead) {
+  tree.Write("index.json", R"({"A": 1})");
+  tree.Write("Index.json", "no JSON");
+  tree.Write("index.json~", "no JSON");
+  tree.Write("index.JSON", "no JSON");
+  tree.Write("xindex.json", "no JSON");
+  tree.Write("a/index.json ", "no JSON");
+  tree.Write("a/index", "no JSON");
+  Load({"create", tree.path(), "/r"});
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+}
+
+}  // namespace
