@@ -10,6 +10,9 @@
 #include "driver/equals_ignore_case.h"
 #include "handles.h"
 
+// Or stat and readdir would take a large file or a long inode number for an error.
+static_assert(sizeof(off_t) == 8 && sizeof(ino_t) == 8, "compile with _FILE_OFFSET_BITS=64");
+
 namespace {
 
 std::string ChildKey(const std::string& key, const std::string& name) {

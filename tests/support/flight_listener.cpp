@@ -106,9 +106,11 @@ void FlightListener::SendAndClose(int client, const Delivery& delivery) const {
 }
 
 // The state of the client's thread, as proc(5) has it; 0 when there is none. One that sleeps, with
-// nothing of it left to read, waits for replies.
+// nothing of it left to read, waits for replies. The longer path is the thread's own entry: of a
+// process that asks for itself, qemu-user answers the shorter one without a state.
 char FlightListener::ClientState() const {
-  std::ifstream file("/proc/" + std::to_string(client_id_) + "/stat");
+  const std::string id = std::to_string(client_id_);
+  std::ifstream file("/proc/" + id + "/task/" + id + "/stat");
   std::string status;
   std::getline(file, status);
   const std::size_t name_end = status.rfind(')');  // the name may hold anything

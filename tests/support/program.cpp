@@ -1,8 +1,11 @@
 #include "support/program.h"
 
+#include <array>
 #include <cstdlib>
+#include <fstream>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 
 namespace {
 
@@ -11,14 +14,26 @@ std::string FromEnvironment(const char* name, const std::string& otherwise) {
   return value != nullptr && *value != '\0' ? value : otherwise;
 }
 
+std::string Launcher() { return FromEnvironment("OSTRAFEL_LAUNCHER", OSTRAFEL_EMULATOR); }
+
+std::string Program() { return FromEnvironment("OSTRAFEL_PROGRAM", OSTRAFEL_PROGRAM_PATH); }
+
 }  // namespace
 
 std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments) {
-  std::istringstream launcher(FromEnvironment("OSTRAFEL_LAUNCHER", ""));
+  std::istringstream launcher(Launcher());
   std::vector<std::string> command(std::istream_iterator<std::string>(launcher), {});
-  command.push_back(FromEnvironment("OSTRAFEL_PROGRAM", OSTRAFEL_PROGRAM_PATH));
+  command.push_back(Program());
   command.insert(command.end(), arguments.begin(), arguments.end());
   return command;
 }
 
-bool HasLauncher() { return !FromEnvironment("OSTRAFEL_LAUNCHER", "").empty(); }
+bool HasLauncher() { return !Launcher().empty(); }
+
+bool ProgramHas64Bits() {
+  // The class of an ELF file: 1 for 32 bits, 2 for 64.
+  std::ifstream file(Program(), std::ios::binary);
+  std::array<char, 5> start = {};
+  if (!file.read(start.data(), start.size())) throw std::runtime_error("cannot read " + Program());
+  return start[4] == 2;
+}

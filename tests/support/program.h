@@ -8,10 +8,14 @@
 /// environment change it, so that one set of tests serves every build:
 ///   OSTRAFEL_PROGRAM   another binary than the one of this build, for example one for ARM
 ///   OSTRAFEL_LAUNCHER  a command, its words parted by blanks, that is given the binary and the
-///                      arguments, for example "/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf"
+///                      arguments, for example "/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf"; in
+///                      a build for another processor that is its emulator anyway
 std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments);
 
 /// True when the program runs under a launcher, which takes its own time, memory and system calls.
 bool HasLauncher();
+
+/// True when long has 64 bits in the program: its build need not be the tests' own.
+bool ProgramHas64Bits();
 
 #endif  // OSTRAFEL_TESTS_SUPPORT_PROGRAM_H_

@@ -15,6 +15,8 @@ int main(int argc, char** argv) {
     return RUN_ALL_TESTS();
   }
   std::vector<std::string> command = {OSTRAFEL_SOURCE_DIR "/scripts/sandbox", "--"};
+  const std::string emulator = OSTRAFEL_EMULATOR;  // of a processor that is not this machine's
+  if (!emulator.empty()) command.push_back(emulator);
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& argument : command) pointers.push_back(argument.data());

@@ -104,6 +104,29 @@ TEST_F(FindingTheServer, APortThatOverflowsIsReported) {
                 std::string("strtol: Numerical result out of range\n") + kNoConnection);
 }
 
+TEST_F(FindingTheServer, APortBeyondTheLargestLongIsReported) {
+  PublishServer(ProgramHas64Bits() ? "9223372036854775808" : "2147483648", "");
+  ExpectFailure({"create", file, "/r"},
+                std::string("strtol: Numerical result out of range\n") + kNoConnection);
+}
+
+TEST_F(FindingTheServer, TheLargestLongIsAPortThatASocketWinsOver) {
+  PublishServer(ProgramHas64Bits() ? "9223372036854775807" : "2147483647", "");
+  Load({"create", file, "/r"});
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+}
+
+TEST_F(FindingTheServer, APortBeyond32BitsIsNarrowedWhereALongHoldsIt) {
+  PublishServer("2147483648", "");
+  if (ProgramHas64Bits()) {
+    Load({"create", file, "/r"});
+    EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+  } else {
+    ExpectFailure({"create", file, "/r"},
+                  std::string("strtol: Numerical result out of range\n") + kNoConnection);
+  }
+}
+
 TEST_F(FindingTheServer, NeitherPortNorSocketIsNoConnection) {
   RuntimeFiles files;
   files.requirepass = std::nullopt;
