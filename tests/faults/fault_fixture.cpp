@@ -19,6 +19,15 @@ FaultTest::FaultTest() { EmptyIncludeDirectory(); }
 
 FaultTest::~FaultTest() { EmptyIncludeDirectory(); }
 
+std::vector<FaultTest::Transport> FaultTest::Transports() {
+  if (!DefaultPortIsFree()) return {Transport::kUnix};
+  return {Transport::kUnix, Transport::kTcp};
+}
+
+std::string FaultTest::Announcement(Transport transport) {
+  return transport == Transport::kTcp ? "fopen: No such file or directory\n" : "";
+}
+
 FaultedRun FaultTest::Run(const std::vector<std::string>& arguments, const model::Store& store,
                           const std::function<void(ScriptedServer&)>& plan, Transport transport,
                           const std::string& password) {

@@ -32,6 +32,12 @@ class FaultTest : public testing::Test {
   FaultTest();
   ~FaultTest() override;
 
+  /// What the machine has: both, except where something else uses port 6379.
+  static std::vector<Transport> Transports();
+
+  /// What the program says before it connects: that there is no socket file, when it is led to TCP.
+  static std::string Announcement(Transport transport);
+
   /// Runs the program with these arguments against a server that holds store and for which plan has
   /// planned faults. With a password, the program is told of it and sends AUTH.
   FaultedRun Run(const std::vector<std::string>& arguments, const model::Store& store,

@@ -10,15 +10,22 @@
 #include "model/reply.h"
 
 /// How a server leaves: politely (FIN), or abruptly (RST; what a server that is killed, or a
-/// machine that lost its state, answers). A Unix socket knows no RST: there both are the same.
+/// machine that lost its state, answers). The client reads what was sent before either; then it
+/// finds the end of the stream, or ECONNRESET.
+///
+/// Over TCP, RST is a close with nothing to linger for. A Unix socket has no such thing, but there
+/// a client gets ECONNRESET when the server closes with something of the client's left unread. So
+/// the last byte of a flight stays unread until it is known how the flight is answered.
 enum class Ending { kFin, kRst };
 
 /// What is sent for a flight.
 struct Delivery {
   std::string bytes;
-  bool is_byte_by_byte = false;  ///< Each byte in a packet of its own.
+  bool is_byte_by_byte = false;  ///< Each byte when the client has read the one before.
   bool is_last = false;          ///< The connection is closed behind the bytes.
   Ending ending = Ending::kFin;
+  /// Nothing is sent; the client, which must be a process of its own, is killed where it waits.
+  bool kills_client = false;
 };
 
 /// What answers the flights. Called from the listener's own thread, one call after the other.
@@ -31,6 +38,10 @@ class FlightHandler {
 
   /// The client waits for the replies of these commands.
   virtual Delivery Answer(const std::vector<model::Command>& commands) = 0;
+
+  /// Asked before anything of a flight is read: true kills the client, which must be a process of
+  /// its own, as soon as it sleeps. It may then have sent a part of the flight only.
+  virtual bool KillsWhileItSends() { return false; }
 
   /// The client has left without waiting for the replies of these commands.
   virtual void LeftUnanswered(const std::vector<model::Command>& commands) = 0;
@@ -62,10 +73,13 @@ class FlightListener {
   void Finish();
 
  private:
+  class Inbox;
+
   void Serve();
   void ServeConnection(int client);
-  bool Deliver(int client, const Delivery& delivery) const;
+  bool Deliver(int client, Inbox* inbox, const Delivery& delivery) const;
   void SendAndClose(int client, const Delivery& delivery) const;
+  void KillClient() const;
   char ClientState() const;
 
   const std::string path_;

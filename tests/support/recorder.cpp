@@ -33,6 +33,12 @@ void Recorder::CutAfter(std::size_t flight, std::size_t replies) {
   plans_[flight].replies_before_cut = replies;
 }
 
+void Recorder::KillAfter(std::size_t flight, std::size_t commands) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  plans_[flight].is_kill = true;
+  plans_[flight].commands_before_kill = commands;
+}
+
 void Recorder::Answer(std::size_t flight, const std::string& bytes) {
   const std::lock_guard<std::mutex> lock(mutex_);
   plans_[flight].has_answer = true;
@@ -67,12 +73,13 @@ Delivery Recorder::Answer(const std::vector<model::Command>& commands) {
   const Plan plan = plans_[recording_.flights.size()];
   model::Flight& flight = recording_.flights.emplace_back();
   flight.commands = commands;
+  if (plan.is_kill) flight.commands.resize(plan.commands_before_kill);
 
   std::string incoming = plan.answer;
-  bool is_answered = plan.has_answer || WriteAll(server_, FormatAll(commands));
+  bool is_answered = plan.has_answer || WriteAll(server_, FormatAll(flight.commands));
   Delivery delivery;
   std::size_t replies = 0;
-  while (is_answered && replies < commands.size()) {
+  while (is_answered && replies < flight.commands.size()) {
     if (std::optional<ReceivedReply> received = TakeReply(&incoming)) {
       ++replies;
       if (plan.is_cut && replies > plan.replies_before_cut) continue;
@@ -82,8 +89,9 @@ Delivery Recorder::Answer(const std::vector<model::Command>& commands) {
       is_answered = !plan.has_answer && ReadSome(server_, &incoming);
     }
   }
-  flight.cut_short = plan.is_cut || !is_answered;
+  flight.cut_short = plan.is_cut || plan.is_kill || !is_answered;
   delivery.is_last = flight.cut_short;
+  delivery.kills_client = plan.is_kill;
   return delivery;
 }
 

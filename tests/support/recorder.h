@@ -41,6 +41,10 @@ class Recorder : private FlightHandler {
   /// both done: what it sends next meets a peer that is gone.
   void CutAfter(std::size_t flight, std::size_t replies);
 
+  /// Kills the client, which must be a process of its own, when this flight has come. The server
+  /// gets only the first commands of the flight, as if the client had come no further with sending.
+  void KillAfter(std::size_t flight, std::size_t commands);
+
   /// Answers a flight with these bytes. The server does not get its commands.
   void Answer(std::size_t flight, const std::string& bytes);
 
@@ -56,6 +60,8 @@ class Recorder : private FlightHandler {
     std::string answer;
     bool is_cut = false;
     std::size_t replies_before_cut = 0;
+    bool is_kill = false;
+    std::size_t commands_before_kill = 0;
   };
 
   void Connected() override;

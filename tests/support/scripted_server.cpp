@@ -57,6 +57,16 @@ void ScriptedServer::CloseAfterBytes(std::size_t bytes, Ending ending) {
   ending_ = ending;
 }
 
+void ScriptedServer::KillClientAfter(std::size_t command) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  kill_after_ = command;
+}
+
+void ScriptedServer::KillClientWhileItSends(std::size_t flight) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  kill_in_flight_ = flight;
+}
+
 void ScriptedServer::DeliverByteByByte() {
   const std::lock_guard<std::mutex> lock(mutex_);
   is_byte_by_byte_ = true;
@@ -80,6 +90,13 @@ void ScriptedServer::Connected() {
 Delivery ScriptedServer::Answer(const std::vector<model::Command>& commands) {
   const std::lock_guard<std::mutex> lock(mutex_);
   Delivery delivery;
+  if (kill_after_ && *kill_after_ < commands_seen_ + commands.size()) {
+    std::vector<model::Command> sent = commands;
+    sent.resize(*kill_after_ + 1 - commands_seen_);
+    CarryOutUnanswered(sent);
+    delivery.kills_client = true;
+    return delivery;
+  }
   delivery.is_byte_by_byte = is_byte_by_byte_;
   delivery.ending = ending_;
   for (const model::Command& command : commands) {
@@ -100,8 +117,17 @@ Delivery ScriptedServer::Answer(const std::vector<model::Command>& commands) {
 
 void ScriptedServer::LeftUnanswered(const std::vector<model::Command>& commands) {
   const std::lock_guard<std::mutex> lock(mutex_);
+  CarryOutUnanswered(commands);
+}
+
+void ScriptedServer::CarryOutUnanswered(const std::vector<model::Command>& commands) {
   for (const model::Command& command : commands) (void)ReplyTo(command);
   recording_.flights.push_back({commands, {}, true});
+}
+
+bool ScriptedServer::KillsWhileItSends() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return kill_in_flight_ == recording_.flights.size();
 }
 
 void ScriptedServer::LeftInOrder() {

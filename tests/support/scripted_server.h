@@ -57,8 +57,18 @@ class ScriptedServer : private FlightHandler {
   /// Closes the connection when so many bytes of replies were sent.
   void CloseAfterBytes(std::size_t bytes, Ending ending);
 
-  /// Sends replies one byte at a time, each byte in a packet of its own. Those before a close are
-  /// sent together.
+  /// Kills the client, which must be a process of its own, when this command has come. The store
+  /// gets the commands up to this one and none of those that travelled behind it, as if the client
+  /// had come no further with sending.
+  void KillClientAfter(std::size_t command);
+
+  /// Kills the client while it sends this flight (counted from 0): when it can send no more because
+  /// nobody reads, or else when it waits for the replies. The store gets the commands that were
+  /// sent whole.
+  void KillClientWhileItSends(std::size_t flight);
+
+  /// Sends replies one byte at a time, each when the client has read the one before and waits
+  /// again. Those before a close are sent together.
   void DeliverByteByByte();
 
   /// How many bytes of replies were sent so far.
@@ -74,8 +84,10 @@ class ScriptedServer : private FlightHandler {
  private:
   void Connected() override;
   Delivery Answer(const std::vector<model::Command>& commands) override;
+  bool KillsWhileItSends() override;
   void LeftUnanswered(const std::vector<model::Command>& commands) override;
   void LeftInOrder() override;
+  void CarryOutUnanswered(const std::vector<model::Command>& commands);
   std::string ReplyTo(const model::Command& command);
 
   std::mutex mutex_;  // guards everything below but the listener
@@ -85,6 +97,8 @@ class ScriptedServer : private FlightHandler {
   std::optional<std::size_t> close_before_;
   std::optional<std::size_t> close_after_;
   std::optional<std::size_t> close_at_byte_;
+  std::optional<std::size_t> kill_after_;
+  std::optional<std::size_t> kill_in_flight_;
   Ending ending_ = Ending::kFin;
   bool is_byte_by_byte_ = false;
   std::size_t commands_seen_ = 0;

@@ -1,11 +1,9 @@
 #include "support/sockets.h"
 
 #include <arpa/inet.h>
-#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -14,7 +12,6 @@
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
-#include <thread>
 
 namespace {
 
@@ -90,18 +87,6 @@ bool WriteAll(int descriptor, const std::string& bytes) {
         send(descriptor, bytes.data() + written, bytes.size() - written, MSG_NOSIGNAL);
     if (size <= 0) return false;
     written += static_cast<std::size_t>(size);
-  }
-  return true;
-}
-
-bool WriteByteByByte(int descriptor, const std::string& bytes) {
-  for (const char byte : bytes) {
-    if (send(descriptor, &byte, 1, MSG_NOSIGNAL) != 1) return false;
-    int waiting = 1;
-    while (ioctl(descriptor, SIOCOUTQ, &waiting) == 0 && waiting > 0 &&
-           !IsReadable(descriptor, 0)) {
-      std::this_thread::yield();
-    }
   }
   return true;
 }

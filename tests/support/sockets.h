@@ -22,9 +22,4 @@ bool ReadSome(int descriptor, std::string* bytes);
 /// Sends everything. Returns false when the peer is gone.
 bool WriteAll(int descriptor, const std::string& bytes);
 
-/// Sends everything, each byte in a packet of its own, the next one when the peer has the last: on
-/// a Unix socket has read it, over TCP has received it. A peer that sends something itself is not
-/// waited for.
-bool WriteByteByByte(int descriptor, const std::string& bytes);
-
 #endif  // OSTRAFEL_TESTS_SUPPORT_SOCKETS_H_

@@ -24,6 +24,9 @@ const char* BaseName(const char* path) {
   return slash == nullptr ? path : slash + 1;
 }
 
+// Code that the kernel lends to every process; on i386 all system calls go through it.
+bool IsTheKernels(const char* module) { return std::strncmp(module, "linux-", 6) == 0; }
+
 extern "C" void ReportCrash(int signal_number) {
   void* frames[kFrameCount] = {};
   const int count = backtrace(frames, kFrameCount);
@@ -33,7 +36,7 @@ extern "C" void ReportCrash(int signal_number) {
   for (int i = kFramesOfTheHandler; i < count && function == nullptr; ++i) {
     Dl_info place = {};
     if (dladdr(frames[i], &place) == 0) break;
-    if (place.dli_fbase == c_library) continue;
+    if (place.dli_fbase == c_library || IsTheKernels(BaseName(place.dli_fname))) continue;
     if (base != nullptr && place.dli_fbase != base) break;
     base = place.dli_fbase;
     module = BaseName(place.dli_fname);

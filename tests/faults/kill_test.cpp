@@ -1,0 +1,124 @@
+// The program is killed at any moment. What it had sent reaches the store; the next create makes
+// the store that of a load that nothing disturbed.
+#include <csignal>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "faults/breaking_endpoint.h"
+#include "faults/eventful_tree.h"
+#include "faults/fault_fixture.h"
+#include "system/system_fixture.h"
+
+namespace {
+
+constexpr int kKilled = 128 + SIGKILL;
+
+std::vector<model::Command> Commands(const std::vector<model::Flight>& flights) {
+  std::vector<model::Command> commands;
+  for (const model::Flight& flight : flights) {
+    commands.insert(commands.end(), flight.commands.begin(), flight.commands.end());
+  }
+  return commands;
+}
+
+class KillAtAnyMoment : public FaultTest {
+ protected:
+  void ExpectCleanLoad(const std::vector<std::string>& arguments, const model::Store& store,
+                       const std::string& expected) {
+    const FaultedRun run = Run(arguments, store, nullptr);
+    EXPECT_EQ(run.finished.err, "");
+    EXPECT_EQ(run.finished.status, 0);
+    EXPECT_EQ(model::Dump(run.store), expected);
+  }
+};
+
+TEST_F(KillAtAnyMoment, ACreateAfterAKillBehindEachCommandOfACreateIsACleanLoad) {
+  const auto include = [](const std::string& name, const std::string& content) {
+    Include(name, content);
+  };
+  const std::vector<std::string> arguments = {"create", tree.path(), eventful::kUri};
+  eventful::WriteFiles(tree, eventful::Generation::kSecond, include);
+  model::Store old = PredictWhole(arguments, {}, "").store;
+  old["/elsewhere"].value = model::List{"stays"};
+  eventful::WriteFiles(tree, eventful::Generation::kFirst, include);
+  const FaultedRun clean = Run(arguments, old, nullptr);
+  ASSERT_EQ(clean.finished.status, 0);
+  const std::string expected = model::Dump(clean.store);
+  ASSERT_NE(expected, model::Dump(old));
+
+  const std::vector<model::Command> commands = Commands(clean.recording.flights);
+  ASSERT_GE(commands.size(), 150U);
+  model::Store carried_out = old;
+  for (std::size_t k = 0; k < commands.size(); ++k) {
+    SCOPED_TRACE("killed behind command " + std::to_string(k));
+    (void)model::Execute(carried_out, commands[k]);
+    const FaultedRun killed =
+        Run(arguments, old, [&](ScriptedServer& server) { server.KillClientAfter(k); });
+    ASSERT_EQ(killed.finished.status, kKilled);
+    ASSERT_EQ(Commands(killed.recording.flights).size(), k + 1);
+    ASSERT_EQ(model::Dump(killed.store), model::Dump(carried_out));
+    ASSERT_NO_FATAL_FAILURE(ExpectCleanLoad(arguments, killed.store, expected));
+    if (HasFailure()) return;
+  }
+}
+
+// More than a socket holds, so that the program is killed in the middle of the write.
+TEST_F(KillAtAnyMoment, ACreateAfterAKillWithinAWriteIsACleanLoad) {
+  constexpr std::size_t kMembers = 1500;
+  std::string document = "{\"First\": 0";
+  for (std::size_t i = 0; i < kMembers; ++i) {
+    document += ", \"" + std::to_string(i) + "\": \"" + std::string(1000, 'x') + "\"";
+  }
+  const std::vector<std::string> arguments = {"create", tree.Write("a.json", document + "}"), "/r"};
+  const FaultedRun clean = Run(arguments, {}, nullptr);
+  ASSERT_EQ(clean.finished.status, 0);
+  ASSERT_EQ(clean.recording.flights.size(), 4U);
+
+  const FaultedRun killed =
+      Run(arguments, {}, [](ScriptedServer& server) { server.KillClientWhileItSends(3); });
+  EXPECT_EQ(killed.finished.status, kKilled);
+  ASSERT_EQ(killed.recording.flights.size(), 4U);
+  const std::size_t arrived = killed.recording.flights[3].commands.size();
+  EXPECT_GT(arrived, 0U);
+  EXPECT_LT(arrived, kMembers);
+  ASSERT_EQ(killed.store.size(), 1U);
+  EXPECT_EQ(std::get<model::Hash>(killed.store.at("/r").value).size(), arrived);
+  ExpectCleanLoad(arguments, killed.store, model::Dump(clean.store));
+}
+
+class KillBesideARealServer : public SystemTest {};
+
+TEST_F(KillBesideARealServer, ACreateAfterAKillBehindEachCommandOfACreateIsACleanLoad) {
+  using eventful::Generation;
+  const std::vector<std::string> old_arguments = {
+      "create", tree.Write("old.json", eventful::SmallDocument(Generation::kSecond)),
+      eventful::kUri};
+  const std::vector<std::string> arguments = {
+      "create", tree.Write("new.json", eventful::SmallDocument(Generation::kFirst)),
+      eventful::kUri};
+  Load(old_arguments);
+  const model::Store old = store.Contents();
+  Load(arguments);
+  const std::string expected = store.Dump();
+  const std::vector<model::Flight> flights = recording.flights;
+  ASSERT_GE(Commands(flights).size(), 10U);
+
+  for (std::size_t flight = 0; flight < flights.size(); ++flight) {
+    for (std::size_t sent = 1; sent <= flights[flight].commands.size(); ++sent) {
+      SCOPED_TRACE("killed in flight " + std::to_string(flight) + " behind " +
+                   std::to_string(sent) + " commands");
+      store.Fill(old);
+      plan = [&](Recorder& recorder) { recorder.KillAfter(flight, sent); };
+      ASSERT_EQ(Ostrafel(arguments).status, kKilled);
+      ASSERT_EQ(recording.flights.size(), flight + 1);
+      ASSERT_EQ(recording.flights[flight].commands.size(), sent);
+      plan = nullptr;
+      Load(arguments);
+      ASSERT_EQ(store.Dump(), expected);
+    }
+  }
+}
+
+}  // namespace
