@@ -28,9 +28,9 @@ struct ConnectionConfig {
 ///
 /// Returns nothing when the shell cannot be started, the port file is missing, empty, cannot
 /// be read or holds anything but digits and line feeds, the port overflows, or there is no socket
-/// and the port is not the default one. Prints, through perror, "fopen" for each file that cannot
-/// be opened and "strtol" when the port overflows; what the shell's commands print on standard
-/// error passes through.
+/// path and the port is 1 or more but not the default one. Prints, through perror, "fopen" for each
+/// file that cannot be opened and "strtol" when the port overflows; what the shell's commands print
+/// on standard error passes through.
 [[nodiscard]] std::optional<ConnectionConfig> ReadConnectionConfig();
 
 /// Reads the first line, at most 1023 bytes, of the file "redis." + key in directory. Its line end

@@ -74,8 +74,9 @@ enum RemovalKind {
 [[nodiscard]] unsigned RemoveMatchingFields(redisContext* context, const std::string& key,
                                             const std::string& pattern);
 
-/// True when the part of pattern before any of its slashes is marked in PrunedPrefixes. For the
-/// pattern of a key's subtree these parts are the key's ancestors and the key itself.
+/// True when the part of pattern before any of its slashes is marked in PrunedPrefixes, to which
+/// the parts that are looked up are added, unmarked. For the pattern of a key's subtree these parts
+/// are the key's ancestors and the key itself.
 [[nodiscard]] bool IsUnderPrunedPrefix(const std::string& pattern);
 
 /// Queues one removal in RemovalBatch; the only way into it. value is the field or the list value;

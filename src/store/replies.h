@@ -30,7 +30,7 @@ template <typename... Arguments>
 /// take (step 2 takes the field names of an HSCAN). The cursor is narrowed to an int, because it is
 /// sent with "%d". None is lost by that: a server's cursors are less than the number of buckets of
 /// its table, a power of two that passes 2^31 only with billions of keys. (Of a larger cursor the
-/// low 32 bits are sent back where long has 64 bits, and 2147483647 where it has 32.)
+/// low 32 bits are sent back, after strtol has cut it to the largest long.)
 ///
 /// Returns 1 at the end; 0 at once when take returns 0, or when a reply is missing or not of the
 /// shape that SCAN answers, in which case none of its items is taken.

@@ -4,7 +4,8 @@
 // Operations return 1 (success) or 0 (failure). A nested object or array stops at its first failure
 // and passes it up; the top level goes on. Records already queued are not withdrawn. Where
 // in_list is true, parent_key is a list and name the decimal index of the element in it. Texts that
-// the standard library refuses raise its logic errors, which the caller handles.
+// the standard library refuses raise its logic errors, which the caller handles; queuing reports
+// those that it meets itself (command_batches.h, pruning.h).
 #ifndef OSTRAFEL_STORE_RESOURCE_WRITER_H_
 #define OSTRAFEL_STORE_RESOURCE_WRITER_H_
 
