@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "handles.h"
@@ -13,20 +12,8 @@ namespace {
 
 class Inclusion : public testing::Test {
  protected:
-  Inclusion() { Clear(); }
-  ~Inclusion() override { Clear(); }
-
-  static void Clear() {
-    for (const auto& entry : std::filesystem::directory_iterator(kIncludeDirectory)) {
-      std::filesystem::remove_all(entry.path());
-    }
-  }
-
-  static void Include(const std::string& name, const std::string& content) {
-    const std::filesystem::path path = std::string(kIncludeDirectory) + "/" + name;
-    std::filesystem::create_directories(path.parent_path());
-    WriteFile(path.string(), content);
-  }
+  Inclusion() { EmptyIncludeDirectory(); }
+  ~Inclusion() override { EmptyIncludeDirectory(); }
 
   // Resolves the inclusion of a document; the result is in object, what was printed in printed.
   unsigned Resolve(const std::string& json) {

@@ -3,10 +3,8 @@
 // A cut is made over a Unix socket or TCP, and by FIN or RST. By default the four take turns from
 // cut to cut; with OSTRAFEL_TEST_SEEDS at 10 or more, each cut is made in all four ways.
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <functional>
 #include <set>
 #include <string>
@@ -17,18 +15,16 @@
 #include "faults/eventful_tree.h"
 #include "faults/fault_fixture.h"
 #include "support/program.h"
+#include "support/repeated.h"
 #include "support/resp.h"
+#include "support/sandbox.h"
+#include "support/test_factor.h"
 
 namespace {
 
 const std::string kPassword = "secret";
 const std::string kLostReply = "Failed to get reply\n";
 const std::string kFlushFailed = ">>> Fail to write rest of data into redis\n";
-
-// The commands that the program knows.
-const std::set<std::string> kEveryCommand = {"AUTH", "KEYS",  "DEL",     "TYPE",   "LINDEX",
-                                             "SCAN", "HSCAN", "HEXISTS", "UNLINK", "LREM",
-                                             "HDEL", "HSET",  "RPUSH"};
 
 // A command in its run: which flight it is in, and where there.
 struct Place {
@@ -43,18 +39,10 @@ std::vector<Place> Places(const std::vector<model::Flight>& flights) {
   for (std::size_t flight = 0; flight < flights.size(); ++flight) {
     const std::vector<model::Command>& commands = flights[flight].commands;
     for (std::size_t i = 0; i < commands.size(); ++i) {
-      std::string name = commands[i].front();
-      for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-      places.push_back({name, flight, i, commands.size()});
+      places.push_back({eventful::CommandName(commands[i]), flight, i, commands.size()});
     }
   }
   return places;
-}
-
-std::string Repeated(const std::string& text, std::size_t count) {
-  std::string all;
-  for (std::size_t i = 0; i < count; ++i) all += text;
-  return all;
 }
 
 // The text without its first lines that are this one.
@@ -86,6 +74,7 @@ class CutEverywhere : public FaultTest {
   }
 
   void TearDown() override {
+    FaultTest::TearDown();
     RecordProperty("cuts", static_cast<int>(cuts_));
     RecordProperty("runs", static_cast<int>(runs_));
   }
@@ -103,9 +92,7 @@ class CutEverywhere : public FaultTest {
   }
 
   void WriteGeneration(eventful::Generation generation) {
-    eventful::WriteFiles(tree, generation, [](const std::string& name, const std::string& content) {
-      Include(name, content);
-    });
+    eventful::WriteFiles(tree, generation, Include);
   }
 
   // Cuts the run in the ways whose turn it is, and compares each with the prediction, which it
@@ -114,8 +101,7 @@ class CutEverywhere : public FaultTest {
                      const std::function<void(ScriptedServer&, Ending)>& plan) {
     const Prediction expected = Predict(subject.arguments, subject.store, kPassword, where);
     ++cuts_;
-    const char* factor = std::getenv("OSTRAFEL_TEST_SEEDS");
-    const bool is_long = factor != nullptr && std::stoul(factor) >= 10;
+    const bool is_long = TestFactor() >= 10;
     for (std::size_t i = 0; i < ways_.size(); ++i) {
       if (!is_long && i != turn % ways_.size()) continue;
       const Way& way = ways_[i];
@@ -248,7 +234,7 @@ TEST_F(CutEverywhere, BeforeEachReplyOfACreateAndAnUpdateThatDoEverything) {
   ASSERT_NO_FATAL_FAILURE(CutBeforeEveryReply(update));
 
   EXPECT_GE(Places(create.whole.flights).size() + Places(update.whole.flights).size(), 500U);
-  EXPECT_EQ(Names({create, update}), kEveryCommand);
+  EXPECT_EQ(Names({create, update}), eventful::kEveryCommand);
 }
 
 TEST_F(CutEverywhere, BehindEachByteOfTheRepliesOfASmallCreateAndUpdate) {
@@ -266,7 +252,7 @@ TEST_F(CutEverywhere, BehindEachByteOfTheRepliesOfASmallCreateAndUpdate) {
       "update", tree.Write("b.json", eventful::SmallDocument(Generation::kSecond)), loaded);
   ASSERT_NO_FATAL_FAILURE(CutBehindEveryByte(update));
 
-  EXPECT_EQ(Names({create, update}), kEveryCommand);
+  EXPECT_EQ(Names({create, update}), eventful::kEveryCommand);
 }
 
 // With nothing to delete and nothing to load, a create is three questions, and an answer that does
@@ -278,7 +264,7 @@ TEST_F(CutEverywhere, AnEmptyCreateSucceedsAllTheSame) {
       const model::Outcome outcome =
           Cut(create, {k, false}, turn,
               [&](ScriptedServer& server, Ending ending) { server.CloseBeforeReply(k, ending); });
-      EXPECT_EQ(outcome.out, ">>> Ostrafel parsing successfully.\n");
+      EXPECT_EQ(outcome.out, kSuccessLine);
       EXPECT_EQ(outcome.err, "");
       EXPECT_EQ(outcome.status, 0);
     }

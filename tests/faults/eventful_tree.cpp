@@ -1,6 +1,7 @@
 #include "faults/eventful_tree.h"
 
 #include <array>
+#include <cctype>
 
 namespace eventful {
 namespace {
@@ -33,6 +34,16 @@ std::string Changes(Generation generation) {
 }
 
 }  // namespace
+
+const std::set<std::string> kEveryCommand = {"AUTH", "KEYS",  "DEL",     "TYPE",   "LINDEX",
+                                             "SCAN", "HSCAN", "HEXISTS", "UNLINK", "LREM",
+                                             "HDEL", "HSET",  "RPUSH"};
+
+std::string CommandName(const model::Command& command) {
+  std::string name = command.front();
+  for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return name;
+}
 
 void WriteFiles(const TempDirectory& folder, Generation generation,
                 const std::function<void(const std::string&, const std::string&)>& include) {

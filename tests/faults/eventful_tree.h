@@ -2,9 +2,11 @@
 #define OSTRAFEL_TESTS_FAULTS_EVENTFUL_TREE_H_
 
 #include <functional>
+#include <set>
 #include <string>
 
 #include "model/memory_store.h"
+#include "model/reply.h"
 #include "support/temp_directory.h"
 
 /// Static data on which a create and an update do everything that they can. One folder has a member
@@ -30,6 +32,12 @@ std::string SmallDocument(Generation generation);
 /// Puts values that no load leaves there in the way of an update, so that it also prunes the keys
 /// below an id and their twins. id is that of an object in the new data.
 void AddStaleKeys(const std::string& id, model::Store* store);
+
+/// The names of all commands that the program knows, in upper case.
+extern const std::set<std::string> kEveryCommand;
+
+/// The command's name in upper case.
+std::string CommandName(const model::Command& command);
 
 /// The ids of two objects of the second generation, for AddStaleKeys.
 inline const std::string kInlineId = "/redfish/v1/Inline/Scalar_Inline";

@@ -15,14 +15,6 @@ namespace {
 
 constexpr int kKilled = 128 + SIGKILL;
 
-std::vector<model::Command> Commands(const std::vector<model::Flight>& flights) {
-  std::vector<model::Command> commands;
-  for (const model::Flight& flight : flights) {
-    commands.insert(commands.end(), flight.commands.begin(), flight.commands.end());
-  }
-  return commands;
-}
-
 class KillAtAnyMoment : public FaultTest {
  protected:
   void ExpectCleanLoad(const std::vector<std::string>& arguments, const model::Store& store,
@@ -35,20 +27,17 @@ class KillAtAnyMoment : public FaultTest {
 };
 
 TEST_F(KillAtAnyMoment, ACreateAfterAKillBehindEachCommandOfACreateIsACleanLoad) {
-  const auto include = [](const std::string& name, const std::string& content) {
-    Include(name, content);
-  };
   const std::vector<std::string> arguments = {"create", tree.path(), eventful::kUri};
-  eventful::WriteFiles(tree, eventful::Generation::kSecond, include);
+  eventful::WriteFiles(tree, eventful::Generation::kSecond, Include);
   model::Store old = PredictWhole(arguments, {}, "").store;
   old["/elsewhere"].value = model::List{"stays"};
-  eventful::WriteFiles(tree, eventful::Generation::kFirst, include);
+  eventful::WriteFiles(tree, eventful::Generation::kFirst, Include);
   const FaultedRun clean = Run(arguments, old, nullptr);
   ASSERT_EQ(clean.finished.status, 0);
   const std::string expected = model::Dump(clean.store);
   ASSERT_NE(expected, model::Dump(old));
 
-  const std::vector<model::Command> commands = Commands(clean.recording.flights);
+  const std::vector<model::Command> commands = model::CommandsOf(clean.recording.flights);
   ASSERT_GE(commands.size(), 150U);
   model::Store carried_out = old;
   for (std::size_t k = 0; k < commands.size(); ++k) {
@@ -57,7 +46,7 @@ TEST_F(KillAtAnyMoment, ACreateAfterAKillBehindEachCommandOfACreateIsACleanLoad)
     const FaultedRun killed =
         Run(arguments, old, [&](ScriptedServer& server) { server.KillClientAfter(k); });
     ASSERT_EQ(killed.finished.status, kKilled);
-    ASSERT_EQ(Commands(killed.recording.flights).size(), k + 1);
+    ASSERT_EQ(model::CommandsOf(killed.recording.flights).size(), k + 1);
     ASSERT_EQ(model::Dump(killed.store), model::Dump(carried_out));
     ASSERT_NO_FATAL_FAILURE(ExpectCleanLoad(arguments, killed.store, expected));
     if (HasFailure()) return;
@@ -103,7 +92,7 @@ TEST_F(KillBesideARealServer, ACreateAfterAKillBehindEachCommandOfACreateIsAClea
   Load(arguments);
   const std::string expected = store.Dump();
   const std::vector<model::Flight> flights = recording.flights;
-  ASSERT_GE(Commands(flights).size(), 10U);
+  ASSERT_GE(model::CommandsOf(flights).size(), 10U);
 
   for (std::size_t flight = 0; flight < flights.size(); ++flight) {
     for (std::size_t sent = 1; sent <= flights[flight].commands.size(); ++sent) {

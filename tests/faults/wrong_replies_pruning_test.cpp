@@ -1,6 +1,7 @@
 // Every answer to TYPE, LINDEX and HEXISTS: what an update asks about a member before it writes it.
 #include <string>
 
+#include "faults/member_commands.h"
 #include "faults/reply_table.h"
 
 namespace {
@@ -14,19 +15,6 @@ Kinds AnyStatus(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) kinds.push_back(Exactly(StatusReply(text)).front());
   return kinds;
 }
-
-// A member A of /r that is or was stored at &&/r/A.
-const std::string kType = "TYPE | &&/r/A\n";
-const std::string kFirstElement = "LINDEX | &&/r/A | 0\n";
-const std::string kScanBelow = "SCAN | 0 | MATCH | &&/r/A/* | COUNT | 1000\n";
-const std::string kScanLinks = "HSCAN | /r | 0 | MATCH | &&ObjectRef A *\n";
-const std::string kUnlink = "UNLINK | &&/r/A\n";
-const std::string kRemoveFields =
-    "HDEL | /r | A\n"
-    "HDEL | /r | &&Array A &&/r/A\n"
-    "HDEL | /r | &&ObjectRef A &&/r/A\n"
-    "HDEL | /r | &&Object A &&/r/A\n";
-const std::string kWriteArray = "HSET | /r | &&Array A &&/r/A | \n";
 
 // Statuses that are no more a type than the ones that say nothing: of the names that the program
 // compares with, "none" is known by its first four letters and the others by all of them.

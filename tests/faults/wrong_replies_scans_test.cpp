@@ -3,22 +3,15 @@
 #include <utility>
 #include <vector>
 
+#include "faults/member_commands.h"
 #include "faults/reply_table.h"
+#include "support/program.h"
 #include "support/resp.h"
 
 namespace {
 
 using model::ArrayReply;
 using model::StringReply;
-
-const std::string kType = "TYPE | &&/r/A\n";
-const std::string kUnlink = "UNLINK | &&/r/A\n";
-const std::string kRemoveFields =
-    "HDEL | /r | A\n"
-    "HDEL | /r | &&Array A &&/r/A\n"
-    "HDEL | /r | &&ObjectRef A &&/r/A\n"
-    "HDEL | /r | &&Object A &&/r/A\n";
-const std::string kWriteArray = "HSET | /r | &&Array A &&/r/A | \n";
 
 std::string Scan(const std::string& cursor) {
   return "SCAN | " + cursor + " | MATCH | &&/r/A/* | COUNT | 1000\n";
@@ -49,7 +42,7 @@ std::vector<std::pair<std::string, std::string>> CursorsThatGoOn() {
       {"2147483647", "2147483647"},
       {"-2147483648", "-2147483648"},
   };
-  const bool is_wide = ProgramHasWideLong();
+  const bool is_wide = ProgramHas64Bits();
   const std::string most = "2147483647";
   const std::string least = "-2147483648";
   cursors.insert(cursors.end(), {

@@ -1,30 +1,16 @@
 // Every answer to UNLINK, LREM, HDEL, HSET and RPUSH: the pipelines at the end of a run. The
 // command in question is always the first of its pipeline, whose other commands are on their way
 // already.
-#include <cstddef>
 #include <limits>
 #include <string>
 
+#include "faults/member_commands.h"
 #include "faults/reply_table.h"
+#include "support/repeated.h"
 
 namespace {
 
 using model::IntegerReply;
-
-std::string Repeat(const std::string& text, int count) {
-  std::string all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
-}
-
-const std::string kType = "TYPE | &&/r/A\n";
-const std::string kScanLinks = "HSCAN | /r | 0 | MATCH | &&ObjectRef A *\n";
-const std::string kRemoveRecords =
-    "HDEL | /r | &&Array A &&/r/A\n"
-    "HDEL | /r | &&ObjectRef A &&/r/A\n"
-    "HDEL | /r | &&Object A &&/r/A\n";
-const std::string kRemoveFields = "HDEL | /r | A\n" + kRemoveRecords;
-const std::string kWriteArray = "HSET | /r | &&Array A &&/r/A | \n";
 
 TEST_F(WrongReplies, ToUnlink) {
   // However many were removed.
@@ -32,15 +18,15 @@ TEST_F(WrongReplies, ToUnlink) {
   // One bad answer, and no command after the pipeline is sent.
   const Outcome bad = Failure(std::string(kBadRemoval) + kRestNotWritten, kRemoveFields);
   // Every reply of the pipeline is missed.
-  const Outcome lost = Failure(Repeat(kNoReply, 5) + kRestNotWritten, kRemoveFields);
+  const Outcome lost = Failure(Repeated(kNoReply, 5) + kRestNotWritten, kRemoveFields);
   // The number for the last HDEL is taken for the answer to HSET, which is then never sent.
   const Outcome unsent = Success(kRemoveFields);
 
   Check({"update",
          R"({"A": []})",
          {{"&&/r/A", {model::List{"v"}}}},
-         kType + "LINDEX | &&/r/A | 0\n" + kScanLinks,
-         "UNLINK | &&/r/A\n"},
+         kType + kFirstElement + kScanLinks,
+         kUnlink},
         {
             {{Integers()}, good},
             {{Statuses(), Errors(), Nils(), Texts()}, bad},
@@ -59,7 +45,7 @@ TEST_F(WrongReplies, ToLrem) {
   const std::string write = kWriteArray + "RPUSH | &&/r/A | &&Object &&/r/A/0\n";
   const Outcome good = Success(removals + write);
   const Outcome bad = Failure(std::string(kBadRemoval) + kRestNotWritten, removals);
-  const Outcome lost = Failure(Repeat(kNoReply, 8) + kRestNotWritten, removals);
+  const Outcome lost = Failure(Repeated(kNoReply, 8) + kRestNotWritten, removals);
   // HSET takes the number for the last HDEL, and RPUSH the 1 for HSET: good answers, both.
   const Outcome shifted = Success(removals + write);
 
@@ -81,11 +67,11 @@ TEST_F(WrongReplies, ToHdel) {
   const std::string write = "HSET | /r | A | 1\n";
   const Outcome good = Success(kRemoveRecords + write);
   const Outcome bad = Failure(std::string(kBadRemoval) + kRestNotWritten, kRemoveRecords);
-  const Outcome lost = Failure(Repeat(kNoReply, 4) + kRestNotWritten, kRemoveRecords);
+  const Outcome lost = Failure(Repeated(kNoReply, 4) + kRestNotWritten, kRemoveRecords);
   // The number for the last HDEL is taken for the answer to HSET, which is then never sent.
   const Outcome unsent = Success(kRemoveRecords);
 
-  Check({"update", R"({"A": 1})", {}, kType + kScanLinks, "HDEL | /r | A\n"},
+  Check({"update", R"({"A": 1})", {}, kType + kScanLinks, kRemoveScalar},
         {
             {{Integers()}, good},
             {{Statuses(), Errors(), Nils(), Texts()}, bad},
@@ -104,7 +90,7 @@ TEST_F(WrongReplies, ToHset) {
   // Whether the field is new (1) or replaced (0).
   const Outcome good = Success(other_field + lists);
   const Outcome bad = Failure(std::string(kBadHash) + kRestNotWritten, other_field);
-  const Outcome lost = Failure(Repeat(kNoReply, 2) + kRestNotWritten, other_field);
+  const Outcome lost = Failure(Repeated(kNoReply, 2) + kRestNotWritten, other_field);
   // The first RPUSH takes the 1 for the second HSET, and the second RPUSH that for the first.
   const Outcome shifted = Success(other_field + lists);
 
@@ -124,7 +110,7 @@ TEST_F(WrongReplies, ToRpush) {
   const Outcome good = Success(other_element);
   // A list that something was pushed to holds something: 0 and less are no lengths.
   const Outcome bad = Failure(std::string(kBadList) + kRestNotWritten, other_element);
-  const Outcome lost = Failure(Repeat(kNoReply, 2) + kRestNotWritten, other_element);
+  const Outcome lost = Failure(Repeated(kNoReply, 2) + kRestNotWritten, other_element);
   const long long most = std::numeric_limits<long long>::max();
 
   Check({"create",

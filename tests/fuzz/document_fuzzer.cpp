@@ -83,14 +83,6 @@ class BoundedEndpoint : public model::MemoryEndpoint {
   double steps_ = 0;
 };
 
-std::vector<model::Command> CommandsOf(const std::vector<model::Flight>& flights) {
-  std::vector<model::Command> commands;
-  for (const model::Flight& flight : flights) {
-    commands.insert(commands.end(), flight.commands.begin(), flight.commands.end());
-  }
-  return commands;
-}
-
 // Two worlds that must stay equal.
 class Pair {
  public:
@@ -126,7 +118,7 @@ class Pair {
     ExpectSame("standard error", expected.err, machine_.err);
     ExpectSame("standard output", expected.out, machine_.out);
     ExpectSame("the status", std::to_string(expected.status), std::to_string(status));
-    const std::vector<model::Command> commands = CommandsOf(endpoint.Flights());
+    const std::vector<model::Command> commands = model::CommandsOf(endpoint.Flights());
     if (commands != server.commands()) {
       ReportDifference("the commands", Describe(commands), Describe(server.commands()));
     }

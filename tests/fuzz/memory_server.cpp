@@ -25,7 +25,7 @@ bool MemoryServer::Receive(std::string_view bytes) {
   const std::vector<model::Command>& commands = reader_.commands();
   for (std::size_t i = commands.size() - count; i < commands.size(); ++i) {
     const bool is_login = commands[i][0] == "AUTH";
-    answers_ += Encode(is_login ? model::StatusReply("OK") : model::Execute(store_, commands[i]));
+    answers_ += Format(is_login ? model::StatusReply("OK") : model::Execute(store_, commands[i]));
   }
   return true;
 }
@@ -48,28 +48,6 @@ std::size_t ByteServer::Send(char* buffer, std::size_t size) {
   std::copy_n(bytes_.begin(), count, buffer);
   bytes_.remove_prefix(count);
   return count;
-}
-
-std::string Encode(const model::Reply& reply) {
-  using Type = model::Reply::Type;
-  std::string bytes;
-  switch (reply.type) {
-    case Type::kStatus:
-      return "+" + reply.text + "\r\n";
-    case Type::kError:
-      return "-" + reply.text + "\r\n";
-    case Type::kInteger:
-      return ":" + std::to_string(reply.integer) + "\r\n";
-    case Type::kNil:
-      return "$-1\r\n";
-    case Type::kString:
-      return "$" + std::to_string(reply.text.size()) + "\r\n" + reply.text + "\r\n";
-    case Type::kArray:
-      bytes = "*" + std::to_string(reply.elements.size()) + "\r\n";
-      for (const model::Reply& element : reply.elements) bytes += Encode(element);
-      break;
-  }
-  return bytes;
 }
 
 std::string Describe(const std::vector<model::Command>& commands) {

@@ -69,9 +69,6 @@ class ByteServer : public Peer {
   CommandReader reader_;
 };
 
-/// The reply as the server sends it (RESP 2).
-std::string Encode(const model::Reply& reply);
-
 /// The commands as text, one a line.
 std::string Describe(const std::vector<model::Command>& commands);
 

@@ -28,30 +28,10 @@
 #include "fuzz/reply_runs.h"
 #include "model/endpoint.h"
 #include "model/run_model.h"
+#include "support/redis_reply.h"
+#include "support/resp.h"
 
 namespace {
-
-model::Reply Convert(const redisReply& reply) {
-  switch (reply.type) {
-    case REDIS_REPLY_STATUS:
-      return model::StatusReply({reply.str, static_cast<std::size_t>(reply.len)});
-    case REDIS_REPLY_ERROR:
-      return model::ErrorReply({reply.str, static_cast<std::size_t>(reply.len)});
-    case REDIS_REPLY_STRING:
-      return model::StringReply({reply.str, static_cast<std::size_t>(reply.len)});
-    case REDIS_REPLY_INTEGER:
-      return model::IntegerReply(reply.integer);
-    case REDIS_REPLY_ARRAY: {
-      std::vector<model::Reply> elements;
-      for (std::size_t i = 0; i < reply.elements; ++i) {
-        elements.push_back(Convert(*reply.element[i]));
-      }
-      return model::ArrayReply(std::move(elements));
-    }
-    default:
-      return model::NilReply();
-  }
-}
 
 // The whole replies in the bytes, up to the first one that is none.
 std::vector<model::Reply> CutReplies(std::string_view bytes) {
@@ -115,7 +95,7 @@ void CheckSuccess(const std::vector<model::Command>& commands,
     const std::string text = model::Describe(commands[i]);
     if (i >= replies.size()) ReportDifference("a success", "an answer to " + text, "none");
     if (!IsAnswerToSuccess(commands[i], replies[i])) {
-      ReportDifference("a success", "what answers " + text, Encode(replies[i]));
+      ReportDifference("a success", "what answers " + text, Format(replies[i]));
     }
   }
 }

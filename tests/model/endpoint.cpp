@@ -23,6 +23,14 @@ std::string DescribeAround(const std::vector<Command>& commands, std::size_t ind
 
 }  // namespace
 
+std::vector<Command> CommandsOf(const std::vector<Flight>& flights) {
+  std::vector<Command> commands;
+  for (const Flight& flight : flights) {
+    commands.insert(commands.end(), flight.commands.begin(), flight.commands.end());
+  }
+  return commands;
+}
+
 std::vector<Reply> MemoryEndpoint::Exchange(const std::vector<Command>& flight) {
   std::vector<Reply> replies;
   for (const Command& command : flight) replies.push_back(Execute(store_, command));

@@ -22,6 +22,9 @@ struct Flight {
   bool cut_short = false;
 };
 
+/// The commands of all flights, in order.
+std::vector<Command> CommandsOf(const std::vector<Flight>& flights);
+
 /// What a modelled run talks to.
 class Endpoint {
  public:

@@ -11,10 +11,9 @@
 #include "model/memory_store.h"
 #include "model/run_model.h"
 #include "model/scratch_folder.h"
+#include "support/program.h"
 
 namespace model {
-
-inline const std::string kSuccessLine = ">>> Ostrafel parsing successfully.\n";
 
 /// Plays runs of the model on a store in memory and files in a scratch folder.
 class ModelTest : public ::testing::Test {

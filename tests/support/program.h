@@ -4,6 +4,9 @@
 #include <string>
 #include <vector>
 
+/// What a successful run prints.
+inline constexpr const char* kSuccessLine = ">>> Ostrafel parsing successfully.\n";
+
 /// The command that runs the program under test with these arguments. Two variables of the
 /// environment change it, so that one set of tests serves every build:
 ///   OSTRAFEL_PROGRAM   another binary than the one of this build, for example one for ARM

@@ -52,6 +52,18 @@ void WriteFile(const std::string& path, const std::optional<std::string>& conten
   if (!stream.flush()) throw std::runtime_error("cannot write " + path);
 }
 
+void EmptyIncludeDirectory() {
+  for (const auto& entry : std::filesystem::directory_iterator(kIncludeDirectory)) {
+    std::filesystem::remove_all(entry.path());
+  }
+}
+
+void Include(const std::string& name, const std::string& content) {
+  const std::filesystem::path path = std::string(kIncludeDirectory) + "/" + name;
+  std::filesystem::create_directories(path.parent_path());
+  WriteFile(path.string(), content);
+}
+
 void Publish(const RuntimeFiles& files) {
   WriteFile(RuntimeDirectory() + "/redis.port", files.port);
   WriteFile(RuntimeDirectory() + "/redis.unixsocket", files.unixsocket);

@@ -22,6 +22,12 @@ std::string ReadFile(const std::string& path);
 /// Writes a whole file; nothing removes it.
 void WriteFile(const std::string& path, const std::optional<std::string>& content);
 
+/// Removes everything that is in the include directory.
+void EmptyIncludeDirectory();
+
+/// Puts a file into the include directory, making the folders that lead to it.
+void Include(const std::string& name, const std::string& content);
+
 /// What the server publishes for its clients: each runtime file's content, or no such file.
 struct RuntimeFiles {
   std::optional<std::string> port = "0";

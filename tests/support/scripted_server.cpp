@@ -34,11 +34,6 @@ void ScriptedServer::AnswerCommand(std::size_t command, const std::string& bytes
   answers_[command] = bytes;
 }
 
-void ScriptedServer::AnswerIf(Script script) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  script_ = std::move(script);
-}
-
 void ScriptedServer::CloseBeforeReply(std::size_t command, Ending ending) {
   const std::lock_guard<std::mutex> lock(mutex_);
   close_before_ = command;
@@ -70,11 +65,6 @@ void ScriptedServer::KillClientWhileItSends(std::size_t flight) {
 void ScriptedServer::DeliverByteByByte() {
   const std::lock_guard<std::mutex> lock(mutex_);
   is_byte_by_byte_ = true;
-}
-
-std::size_t ScriptedServer::BytesSent() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return bytes_sent_;
 }
 
 Recording ScriptedServer::Finish() {
@@ -138,9 +128,6 @@ void ScriptedServer::LeftInOrder() {
 // Carries out the next command, unless it has an answer already.
 std::string ScriptedServer::ReplyTo(const model::Command& command) {
   const std::size_t index = commands_seen_++;
-  if (script_) {
-    if (std::optional<std::string> bytes = script_(index, command)) return *bytes;
-  }
   if (const auto planned = answers_.find(index); planned != answers_.end()) return planned->second;
   if (command.front() == "AUTH") return "+OK\r\n";
   return Format(model::Execute(store_, command));

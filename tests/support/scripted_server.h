@@ -3,7 +3,6 @@
 #define OSTRAFEL_TESTS_SUPPORT_SCRIPTED_SERVER_H_
 
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -24,10 +23,6 @@
 /// all connections, commands from 0.
 class ScriptedServer : private FlightHandler {
  public:
-  /// Bytes for a command instead of the good reply; nothing: the good reply.
-  using Script =
-      std::function<std::optional<std::string>(std::size_t index, const model::Command& command)>;
-
   /// Starts to listen at once. path is where the client connects; empty: TCP port 6379.
   explicit ScriptedServer(const std::string& path, model::Store store = {});
   ~ScriptedServer() override;
@@ -40,10 +35,6 @@ class ScriptedServer : private FlightHandler {
   /// Answers one command with these bytes, whatever they are; the store does not get the command.
   /// With less than one reply the client waits for ever, unless the connection is then closed.
   void AnswerCommand(std::size_t command, const std::string& bytes);
-
-  /// Answers every command for which the script returns bytes with these; the store does not get
-  /// it. Takes precedence over AnswerCommand. Called from the server's own thread.
-  void AnswerIf(Script script);
 
   /// Closes the connection when this command has come, after the replies of those before it. The
   /// store gets it, and what travelled with it, all the same, as from a server that loses the way
@@ -71,9 +62,6 @@ class ScriptedServer : private FlightHandler {
   /// again. Those before a close are sent together.
   void DeliverByteByByte();
 
-  /// How many bytes of replies were sent so far.
-  std::size_t BytesSent();
-
   /// Stops listening, ends open connections and returns what was seen. A flight's replies are those
   /// that were sent whole.
   Recording Finish();
@@ -92,7 +80,6 @@ class ScriptedServer : private FlightHandler {
 
   std::mutex mutex_;  // guards everything below but the listener
   model::Store store_;
-  Script script_;
   std::map<std::size_t, std::string> answers_;
   std::optional<std::size_t> close_before_;
   std::optional<std::size_t> close_after_;

@@ -7,32 +7,11 @@
 #include <vector>
 
 #include "handles.h"
+#include "support/redis_reply.h"
 
 namespace {
 
 constexpr const char* kBar = " | ";
-
-model::Reply Convert(const redisReply& reply) {
-  const std::string text = reply.str == nullptr ? std::string() : std::string(reply.str, reply.len);
-  std::vector<model::Reply> elements;
-  switch (reply.type) {
-    case REDIS_REPLY_STATUS:
-      return model::StatusReply(text);
-    case REDIS_REPLY_ERROR:
-      return model::ErrorReply(text);
-    case REDIS_REPLY_INTEGER:
-      return model::IntegerReply(reply.integer);
-    case REDIS_REPLY_STRING:
-      return model::StringReply(text);
-    case REDIS_REPLY_ARRAY:
-      for (std::size_t i = 0; i < reply.elements; ++i) {
-        elements.push_back(Convert(*reply.element[i]));
-      }
-      return model::ArrayReply(elements);
-    default:
-      return model::NilReply();
-  }
-}
 
 model::Command Split(const std::string& line) {
   const std::string bar = kBar;

@@ -1,6 +1,7 @@
 // When the batches of a run are sent, in which order, and what a failed one leaves behind.
 #include <string>
 
+#include "support/scoped_setting.h"
 #include "system/system_fixture.h"
 
 namespace {
@@ -96,10 +97,9 @@ TEST_F(Batches, AFailedFinalRemovalKeepsEverythingUnsent) {
 }
 
 TEST_F(Batches, AServerOutOfMemoryFailsTheFinalFlush) {
-  (void)store.Run("CONFIG | SET | maxmemory | 1");
+  const ScopedSetting memory(&store, "maxmemory", "1");
   const std::string file = tree.Write("a.json", R"({"A": 1})");
   ExpectFailure({"create", file, "/r"}, kHashMessage + kFinalFailure);
-  (void)store.Run("CONFIG | SET | maxmemory | 0");
 }
 
 TEST_F(Batches, AReplicaThatOnlyReadsFailsTheFinalFlush) {

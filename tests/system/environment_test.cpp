@@ -3,38 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 #include <string>
-#include <utility>
 
+#include "support/scoped_variable.h"
 #include "system/system_fixture.h"
 
 namespace {
-
-// Gives a variable of the environment a value, or none, until the end.
-class Variable {
- public:
-  Variable(std::string name, const std::optional<std::string>& value) : name_(std::move(name)) {
-    if (const char* before = std::getenv(name_.c_str())) before_ = before;
-    Set(value);
-  }
-  ~Variable() { Set(before_); }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-
- private:
-  void Set(const std::optional<std::string>& value) const {
-    if (value) {
-      (void)setenv(name_.c_str(), value->c_str(), 1);
-    } else {
-      (void)unsetenv(name_.c_str());
-    }
-  }
-
-  const std::string name_;
-  std::optional<std::string> before_;
-};
 
 constexpr const char* kDocument =
     R"({"A": 3.5, "B": -0.125, "C": 1234567, "D": 1e20, "E": [0.5, 3000000000], "F": 1.5e-3})";
@@ -69,9 +44,9 @@ TEST_F(Environment, ADecimalCommaChangesNothing) {
   const Finished made =
       RunProgram({"/usr/bin/localedef", "-f", "UTF-8", "-i", "de_DE", locales + "/de_DE.UTF-8"});
   ASSERT_EQ(made.status, 0) << made.err << "localedef needs Debian's package locales";
-  const Variable path("LOCPATH", locales);
-  const Variable language("LANGUAGE", "de");
-  const Variable locale("LC_ALL", "de_DE.UTF-8");
+  const ScopedVariable path("LOCPATH", locales);
+  const ScopedVariable language("LANGUAGE", "de");
+  const ScopedVariable locale("LC_ALL", "de_DE.UTF-8");
   // The locale is in force for programs that ask for it.
   const Finished check = RunProgram({"/usr/bin/locale", "-k", "decimal_point", "thousands_sep"});
   ASSERT_EQ(check.out, "decimal_point=\",\"\nthousands_sep=\".\"\n") << check.err;
@@ -96,18 +71,18 @@ TEST_F(Environment, AnEmptyEnvironmentChangesNothing) {
 }
 
 TEST_F(Environment, NoHomeAndOddVariablesChangeNothing) {
-  const Variable home("HOME", std::nullopt);
-  const Variable separators("IFS", "/e");
-  const Variable grep_options("GREP_OPTIONS", "-v");
-  const Variable posix("POSIXLY_CORRECT", "1");
-  const Variable startup("ENV", "/nonexistent");
-  const Variable columns("COLUMNS", "1");
+  const ScopedVariable home("HOME", std::nullopt);
+  const ScopedVariable separators("IFS", "/e");
+  const ScopedVariable grep_options("GREP_OPTIONS", "-v");
+  const ScopedVariable posix("POSIXLY_CORRECT", "1");
+  const ScopedVariable startup("ENV", "/nonexistent");
+  const ScopedVariable columns("COLUMNS", "1");
   ExpectTheUsual();
 }
 
 TEST_F(Environment, WithoutTheToolsOfTheShellThereIsNoServer) {
   const std::string file = tree.Write("a.json", R"({"A": 1})");
-  const Variable path("PATH", tree.path());
+  const ScopedVariable path("PATH", tree.path());
   const Finished run = Ostrafel({"create", file, "/r"});
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.status, 255);

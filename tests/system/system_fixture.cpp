@@ -1,18 +1,10 @@
 #include "system/system_fixture.h"
 
-#include <filesystem>
-
 #include "support/program.h"
 
 namespace {
 
 std::string RecorderSocket() { return RuntimeDirectory() + "/recorder.sock"; }
-
-void EmptyIncludeDirectory() {
-  for (const auto& entry : std::filesystem::directory_iterator(kIncludeDirectory)) {
-    std::filesystem::remove_all(entry.path());
-  }
-}
 
 }  // namespace
 
@@ -57,10 +49,4 @@ void SystemTest::ExpectFailure(const std::vector<std::string>& arguments, const 
   EXPECT_EQ(finished.out, "");
   EXPECT_EQ(finished.err, err);
   EXPECT_EQ(finished.status, 255);
-}
-
-void SystemTest::Include(const std::string& name, const std::string& content) {
-  const std::filesystem::path path = std::string(kIncludeDirectory) + "/" + name;
-  std::filesystem::create_directories(path.parent_path());
-  WriteFile(path.string(), content);
 }

@@ -8,13 +8,11 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/program.h"
 #include "support/recorder.h"
 #include "support/sandbox.h"
 #include "support/temp_directory.h"
 #include "support/test_store.h"
-
-/// What a successful run prints.
-inline constexpr const char* kSuccessLine = ">>> Ostrafel parsing successfully.\n";
 
 /// Runs of the real program against the real server, through a Recorder that the runtime files lead
 /// to. Store and include directory are empty at the start of every test.
@@ -36,9 +34,6 @@ class SystemTest : public testing::Test {
 
   /// The commands of the last run, as Describe writes flights.
   std::string Sent() const { return Describe(recording.flights); }
-
-  /// Puts a file into the include directory.
-  static void Include(const std::string& name, const std::string& content);
 
   TestStore store;
   TempDirectory tree;
