@@ -19,23 +19,29 @@ class FailingSeries : public FailingCallsTest {
   FailingSeries();
   ~FailingSeries() override;
 
+  /// How every run of a series must end, where that is one and the same for all.
+  enum class End { kEither, kSuccess, kFailure };
+
   /// Takes an end that none of the general rules allows, and returns true when the rules of the
   /// program make just this of the failure.
   using Exception = std::function<bool(const FailingCalls& failing, const FailingRun& run)>;
 
   /// Goes through every call of this name, or through an even sample of at most so many of them
   /// (all of them with OSTRAFEL_TEST_SEEDS of 10 or more), once with that call failing alone and
-  /// once with it and all later ones. Every run must end within five seconds, and
+  /// once with it and all later ones. Every run must end, within half a minute, and
   ///   - with success and what a run without a failure says and stores, or
   ///   - with status 255 and nothing but documented messages, or
   ///   - aborted by the C++ library for want of memory, when memory is what fails, or
   ///   - crashed in a library, in one of the functions that are known for it, likewise, or
   ///   - as is_excepted allows.
+  /// A run that comes to the end of main must have freed what a run without a failure frees.
   void FailEveryCall(const std::string& call, const Exception& is_excepted = {},
                      unsigned long sample = ~0UL);
 
   /// Likewise, with single failures of this errno only.
   void FailEveryCallWith(int error, const std::string& call);
+
+  End required_end = End::kEither;
 
   /// Makes the older tree's content the server's.
   void RestoreStore();

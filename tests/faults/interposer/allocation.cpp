@@ -9,27 +9,53 @@
 #include "faults/interposer/plan.h"
 
 extern "C" {
-
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* memory, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
+}
+
+namespace {
+
+using failing_calls::Fails;
+using failing_calls::kAllocation;
+
+long live_allocations = 0;
+
+void* Counted(void* memory) {
+  if (memory != nullptr) ++live_allocations;
+  return memory;
+}
+
+}  // namespace
+
+long failing_calls::LiveAllocations() { return live_allocations; }
+
+extern "C" {
 
 void* malloc(std::size_t size) noexcept {
-  return failing_calls::Fails(failing_calls::kAllocation) ? nullptr : __libc_malloc(size);
+  return Fails(kAllocation) ? nullptr : Counted(__libc_malloc(size));
 }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
-  return failing_calls::Fails(failing_calls::kAllocation) ? nullptr : __libc_calloc(count, size);
+  return Fails(kAllocation) ? nullptr : Counted(__libc_calloc(count, size));
 }
 
 void* realloc(void* memory, std::size_t size) noexcept {
-  return failing_calls::Fails(failing_calls::kAllocation) ? nullptr : __libc_realloc(memory, size);
+  if (Fails(kAllocation)) return nullptr;
+  if (memory == nullptr) return Counted(__libc_realloc(nullptr, size));
+  if (size == 0) --live_allocations;
+  return __libc_realloc(memory, size);
+}
+
+void free(void* memory) noexcept {
+  if (memory != nullptr) --live_allocations;
+  __libc_free(memory);
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
-  return failing_calls::Fails(failing_calls::kAllocation) ? nullptr
-                                                          : __libc_memalign(alignment, size);
+  return Fails(kAllocation) ? nullptr : Counted(__libc_memalign(alignment, size));
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {

@@ -95,6 +95,17 @@ __attribute__((constructor)) void Start() {
   is_counting = true;
 }
 
+// Runs after the destructors of the program's own variables.
+__attribute__((destructor)) void ReportLiveAllocations() {
+#ifndef OSTRAFEL_WITHOUT_FAILING_ALLOCATION
+  const long live = LiveAllocations();
+  const int file = open(report_path, O_WRONLY | O_APPEND | O_CLOEXEC);
+  if (file < 0) return;
+  (void)dprintf(file, "live %ld\n", live);
+  (void)close(file);
+#endif
+}
+
 }  // namespace
 
 bool Fails(Call call) {

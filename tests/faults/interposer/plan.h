@@ -6,10 +6,10 @@
 //   OSTRAFEL_FAILING_INDEX   the first call of it to fail, counted from 0
 //   OSTRAFEL_FAILING_MODE    "once", or "onwards" for that call and all later ones
 //   OSTRAFEL_FAILING_ERRNO   the error's number; without it, one that the call really fails with
-//   OSTRAFEL_FAILING_REPORT  a file that gets, at the end of main or at a crash, a line "name
-//   count"
-//                            for each Call and, after a crash, "crash module function" (see
-//                            crash_report.h)
+//   OSTRAFEL_FAILING_REPORT  a file that gets at the end of main or at a crash, for each Call, its
+//                            name and count, a line each; after a crash "crash module function"
+//                            (see crash_report.h); at the end of the process "live" and how many
+//                            allocations were never freed
 //
 // Calls are counted from the initialisation of the program's own variables to the end of main. The
 // loader and the C++ library have been at work before, exit handlers are at work after; what they
@@ -59,6 +59,9 @@ void FinishReport();
 
 /// Likewise, after a crash in module (a file name) under its function.
 void FinishReport(const char* module, const char* function);
+
+/// How many allocations are not freed at the moment. Defined where allocations can fail.
+long LiveAllocations();
 
 }  // namespace failing_calls
 
