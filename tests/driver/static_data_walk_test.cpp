@@ -125,10 +125,12 @@ TEST_F(Walk, ADanglingLinkIsReportedAndPassedOver) {
   EXPECT_EQ(printed, "Failed to check path " + tree.path("dangling") + ".\n");
 }
 
+// When somebody changes a folder on the way, the kernel goes the way again and may count its links
+// twice: hence a link and a folder that lead to no folder of others.
 TEST_F(Walk, ACycleOfLinksEndsAtTheLimitOfTheSystem) {
-  tree.Write("index.json", "{}");
-  std::filesystem::create_directory_symlink(tree.path(), tree.path("again"));
-  ASSERT_TRUE(Run(tree.path(), "/r"));
+  tree.Write("top/index.json", "{}");
+  std::filesystem::create_directory_symlink(".", tree.path("top/again"));
+  ASSERT_TRUE(Run(tree.path("top"), "/r"));
   EXPECT_GE(list.keys.size(), 30U);
   EXPECT_EQ(printed.substr(0, 21), "Failed to check path ");
   EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 1);
