@@ -19,11 +19,9 @@ class FailingSeries : public FailingCallsTest {
   FailingSeries();
   ~FailingSeries() override;
 
-  /// How every run of a series must end, where that is one and the same for all.
-  enum class End { kEither, kSuccess, kFailure };
-
   /// Takes an end that none of the general rules allows, and returns true when the rules of the
-  /// program make just this of the failure.
+  /// program make just this of the failure. It is asked of every run, and may expect more of it
+  /// than the general rules do.
   using Exception = std::function<bool(const FailingCalls& failing, const FailingRun& run)>;
 
   /// Goes through every call of this name, or through an even sample of at most so many of them
@@ -39,9 +37,7 @@ class FailingSeries : public FailingCallsTest {
                      unsigned long sample = ~0UL);
 
   /// Likewise, with single failures of this errno only.
-  void FailEveryCallWith(int error, const std::string& call);
-
-  End required_end = End::kEither;
+  void FailEveryCallWith(int error, const std::string& call, const Exception& is_excepted);
 
   /// Makes the older tree's content the server's.
   void RestoreStore();
