@@ -91,9 +91,7 @@ class CutEverywhere : public FaultTest {
     return subject;
   }
 
-  void WriteGeneration(eventful::Generation generation) {
-    eventful::WriteFiles(tree, generation, Include);
-  }
+  void WriteGeneration(eventful::Generation generation) { eventful::WriteFiles(tree, generation); }
 
   // Cuts the run in the ways whose turn it is, and compares each with the prediction, which it
   // returns.

@@ -3,6 +3,8 @@
 #include <array>
 #include <cctype>
 
+#include "support/sandbox.h"
+
 namespace eventful {
 namespace {
 
@@ -45,8 +47,7 @@ std::string CommandName(const model::Command& command) {
   return name;
 }
 
-void WriteFiles(const TempDirectory& folder, Generation generation,
-                const std::function<void(const std::string&, const std::string&)>& include) {
+void WriteFiles(const TempDirectory& folder, Generation generation) {
   const std::string number = generation == Generation::kFirst ? "1" : "2";
   (void)folder.Write("index.json", R"({"Count": )" + number +
                                        R"(, "Real": 2.5, "On": true, "Off": false, "None": null,
@@ -55,7 +56,7 @@ void WriteFiles(const TempDirectory& folder, Generation generation,
       "No members": {}, "No elements": [], "*": "a glob"})");
   (void)folder.Write("Changes/index.json", Changes(generation));
   (void)folder.Write("Included/index.json", R"({"&&File": "included.json", "Lost": 1})");
-  include("included.json", R"({"@odata.id": "/ignored", "Generation": )" + number + "}");
+  Include("included.json", R"({"@odata.id": "/ignored", "Generation": )" + number + "}");
 }
 
 std::string SmallDocument(Generation generation) {

@@ -1,7 +1,6 @@
 #ifndef OSTRAFEL_TESTS_FAULTS_EVENTFUL_TREE_H_
 #define OSTRAFEL_TESTS_FAULTS_EVENTFUL_TREE_H_
 
-#include <functional>
 #include <set>
 #include <string>
 
@@ -21,10 +20,8 @@ inline constexpr const char* kUri = "/redfish/v1";
 /// Which generation of the data is meant.
 enum class Generation { kFirst, kSecond };
 
-/// Makes the folder's files those of this generation. include is given the name and content of the
-/// file that another one includes.
-void WriteFiles(const TempDirectory& folder, Generation generation,
-                const std::function<void(const std::string&, const std::string&)>& include);
+/// Makes the folder's files, and one in the include directory, those of this generation.
+void WriteFiles(const TempDirectory& folder, Generation generation);
 
 /// A smaller tree, one file, that still makes create and update send each kind of command.
 std::string SmallDocument(Generation generation);

@@ -28,10 +28,10 @@ class KillAtAnyMoment : public FaultTest {
 
 TEST_F(KillAtAnyMoment, ACreateAfterAKillBehindEachCommandOfACreateIsACleanLoad) {
   const std::vector<std::string> arguments = {"create", tree.path(), eventful::kUri};
-  eventful::WriteFiles(tree, eventful::Generation::kSecond, Include);
+  eventful::WriteFiles(tree, eventful::Generation::kSecond);
   model::Store old = PredictWhole(arguments, {}, "").store;
   old["/elsewhere"].value = model::List{"stays"};
-  eventful::WriteFiles(tree, eventful::Generation::kFirst, Include);
+  eventful::WriteFiles(tree, eventful::Generation::kFirst);
   const FaultedRun clean = Run(arguments, old, nullptr);
   ASSERT_EQ(clean.finished.status, 0);
   const std::string expected = model::Dump(clean.store);

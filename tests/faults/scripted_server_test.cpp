@@ -228,7 +228,7 @@ TEST_F(ScriptedServerAndProgram, ACreateAndAnUpdateDoNotMindRepliesThatComeByteB
     std::set<std::string> names;
     for (const std::string action : {"create", "update"}) {
       const bool is_create = action == "create";
-      eventful::WriteFiles(tree, is_create ? Generation::kFirst : Generation::kSecond, Include);
+      eventful::WriteFiles(tree, is_create ? Generation::kFirst : Generation::kSecond);
       if (!is_create) eventful::AddStaleKeys(eventful::kInlineId, &store);
       const std::vector<std::string> arguments = {action, tree.path(), eventful::kUri};
       const Prediction expected = PredictWhole(arguments, store, "secret");
