@@ -1,12 +1,13 @@
 #include "store/command_batches.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include "store/replies.h"
+#include "store/required_text.h"
 #include "store/store_state.h"
 
 namespace {
@@ -35,25 +36,41 @@ unsigned CollectReplies(redisContext* context, std::size_t count,
 
 // Appends one command to the pipeline and counts it. A command that cannot be appended leaves the
 // context in its error state, so that reading its reply fails.
-template <typename... Arguments>
-void Append(redisContext* context, std::size_t* count, const char* format,
-            const Arguments&... arguments) {
-  (void)redisAppendCommand(context, format, arguments.c_str()...);
+template <typename... Texts>
+void Append(redisContext* context, std::size_t* count, const char* format, Texts... texts) {
+  (void)redisAppendCommand(context, format, texts...);
   ++*count;
+}
+
+// Room that most objects' fields fit into.
+constexpr std::size_t kUsualFields = 8;
+
+// Gives the field its value, whether it waits already or not.
+void SetField(std::pmr::vector<Field>* fields, const Field& field) {
+  if (fields->empty()) fields->reserve(kUsualFields);
+  const auto is_before = [](const Field& a, const Field& b) { return ByteOrder()(a.name, b.name); };
+  const auto place = std::lower_bound(fields->begin(), fields->end(), field, is_before);
+  if (place != fields->end() && !is_before(field, *place)) {
+    place->value = field.value;
+  } else {
+    fields->insert(place, field);
+  }
 }
 
 }  // namespace
 
 unsigned FlushRemovalBatch(redisContext* context) {
   std::size_t count = 0;
-  for (const std::string& key : RemovalBatch.keys) Append(context, &count, "UNLINK %s", key);
+  for (const std::string& key : RemovalBatch.keys) {
+    Append(context, &count, "UNLINK %s", key.c_str());
+  }
   for (const auto& [key, values] : RemovalBatch.list_values) {
-    for (const std::string& value : values) Append(context, &count, "LREM %s 0 %s", key, value);
+    for (const char* value : values) Append(context, &count, "LREM %s 0 %s", key, value);
   }
   for (const auto& [key, fields] : RemovalBatch.hash_fields) {
-    for (const std::string& field : fields) Append(context, &count, "HDEL %s %s", key, field);
+    for (const char* field : fields) Append(context, &count, "HDEL %s %s", key, field);
   }
-  RemovalBatch = {};
+  RemovalBatch.clear();
   return CollectReplies(context, count, IsInteger,
                         "Some errors occur while removing data from database\n");
 }
@@ -73,7 +90,7 @@ unsigned FlushHashBatch(redisContext* context) {
 unsigned FlushListBatch(redisContext* context) {
   std::size_t count = 0;
   for (const auto& [key, values] : ListBatch) {
-    for (const std::string& value : values) Append(context, &count, "RPUSH %s %s", key, value);
+    for (const char* value : values) Append(context, &count, "RPUSH %s %s", key, value);
   }
   ListBatch.clear();
   return CollectReplies(context, count, IsListLength,
@@ -86,8 +103,7 @@ unsigned PutListItem(redisContext* context, const char* key, const char* value) 
     ListBatchCount = 0;
   }
   try {
-    std::string text(value);
-    ListBatch[key].push_back(std::move(text));
+    ListBatch[RequiredText(key)].push_back(ListBatch.Keep(RequiredText(value)));
   } catch (const std::length_error& error) {
     (void)std::fprintf(stderr, "Failed to push data: %s.\n", error.what());
     return 0;
@@ -102,8 +118,8 @@ unsigned PutHashField(redisContext* context, const char* key, const char* field,
     if (FlushRemovalBatch(context) == 0 || FlushHashBatch(context) == 0) return 0;
     HashBatchCount = 0;
   }
-  std::string text(value);
-  HashBatch[key][field] = std::move(text);
+  SetField(&HashBatch[RequiredText(key)],
+           {HashBatch.Keep(RequiredText(field)), HashBatch.Keep(RequiredText(value))});
   ++HashBatchCount;
   return 1;
 }

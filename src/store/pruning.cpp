@@ -28,6 +28,10 @@ bool IsReferenceRecord(std::string_view element) {
   });
 }
 
+void Queue(const std::string& key, const std::string& value, KeyedBatch<KeptTexts>* batch) {
+  (*batch)[key.c_str()].push_back(batch->Keep(value.c_str()));
+}
+
 }  // namespace
 
 unsigned QueueRemoval(redisContext* context, const std::string& key, const std::string& value,
@@ -39,10 +43,10 @@ unsigned QueueRemoval(redisContext* context, const std::string& key, const std::
   try {
     switch (kind) {
       case RemoveField:
-        RemovalBatch.hash_fields[key].push_back(value);
+        Queue(key, value, &RemovalBatch.hash_fields);
         break;
       case RemoveListValue:
-        RemovalBatch.list_values[key].push_back(value);
+        Queue(key, value, &RemovalBatch.list_values);
         break;
       case RemoveKey:
       default:

@@ -6,14 +6,20 @@ std::map<std::string, bool> VisitedResourceMap;
 
 std::map<std::string, bool> PrunedPrefixes;
 
-std::map<std::string, std::map<std::string, std::string>> HashBatch;
+KeyedBatch<std::pmr::vector<Field>> HashBatch;
 std::uint32_t HashBatchCount = 0;
 
-std::map<std::string, std::vector<std::string>> ListBatch;
+KeyedBatch<KeptTexts> ListBatch;
 std::uint32_t ListBatchCount = 0;
 
 PendingRemovals RemovalBatch;
 std::uint32_t RemovalBatchCount = 0;
+
+void PendingRemovals::clear() {
+  keys.clear();
+  list_values.clear();
+  hash_fields.clear();
+}
 
 void ResetStoreState() {
   MergeMode = true;
@@ -23,6 +29,6 @@ void ResetStoreState() {
   HashBatchCount = 0;
   ListBatch.clear();
   ListBatchCount = 0;
-  RemovalBatch = {};
+  RemovalBatch.clear();
   RemovalBatchCount = 0;
 }

@@ -4,8 +4,11 @@
 
 #include <cstdint>
 #include <map>
+#include <memory_resource>
 #include <string>
 #include <vector>
+
+#include "store/keyed_batch.h"
 
 /// True in an update: a member's older shape is pruned before its new value is written. Cleared by
 /// a create, whose tree starts empty.
@@ -23,22 +26,34 @@ extern std::map<std::string, bool> PrunedPrefixes;
 /// A producer that finds this many items queued since its last flush flushes before it queues.
 inline constexpr std::uint32_t BatchLimit = 2000;
 
-/// Fields waiting for FlushHashBatch: key -> field -> value. Queuing a field again replaces its
-/// value.
-extern std::map<std::string, std::map<std::string, std::string>> HashBatch;
+/// Texts that a KeyedBatch keeps.
+using KeptTexts = std::pmr::vector<const char*>;
+
+/// A field of a hash; a KeyedBatch keeps the texts.
+struct Field {
+  const char* name;
+  const char* value;
+};
+
+/// Fields waiting for FlushHashBatch: key -> fields in ascending byte order of their names, each
+/// name once. Queuing a field again replaces its value.
+extern KeyedBatch<std::pmr::vector<Field>> HashBatch;
 /// PutHashField calls since PutHashField last flushed. A replaced field counts again.
 extern std::uint32_t HashBatchCount;
 
 /// Values waiting for FlushListBatch: key -> values in queue order, duplicates kept.
-extern std::map<std::string, std::vector<std::string>> ListBatch;
+extern KeyedBatch<KeptTexts> ListBatch;
 /// Values queued since PutListItem last flushed.
 extern std::uint32_t ListBatchCount;
 
 /// Removals waiting for FlushRemovalBatch, duplicates kept.
 struct PendingRemovals {
-  std::vector<std::string> keys;                                ///< Whole keys, in queue order.
-  std::map<std::string, std::vector<std::string>> list_values;  ///< List key -> equal values.
-  std::map<std::string, std::vector<std::string>> hash_fields;  ///< Hash key -> field names.
+  std::vector<std::string> keys;      ///< Whole keys, in queue order.
+  KeyedBatch<KeptTexts> list_values;  ///< List key -> equal values.
+  KeyedBatch<KeptTexts> hash_fields;  ///< Hash key -> field names.
+
+  /// Empties all three.
+  void clear();
 };
 extern PendingRemovals RemovalBatch;
 /// Removals of all three kinds queued since QueueRemoval last flushed. The flushes that the puts

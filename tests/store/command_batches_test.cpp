@@ -91,7 +91,7 @@ TEST_F(HashBatching, The2001stFieldFlushesRemovalsAndThenFields) {
   EXPECT_EQ(HashBatchCount, 2000U);
   ASSERT_EQ(PutHashField(context(), "k", "g", "w"), 1U);
   EXPECT_EQ(HashBatchCount, 1U);
-  EXPECT_EQ(HashBatch,
+  EXPECT_EQ(PendingFields(),
             (std::map<std::string, std::map<std::string, std::string>>{{"k", {{"g", "w"}}}}));
   EXPECT_EQ(ListBatch.size(), 1U);
   EXPECT_EQ(Sent(),
@@ -118,7 +118,7 @@ TEST_F(HashBatching, AFailedRemovalKeepsTheFieldsWaiting) {
   EXPECT_EQ(Printed([&] { EXPECT_EQ(PutHashField(context(), "k", "g", "w"), 0U); }),
             kRemovalMessage);
   EXPECT_EQ(HashBatchCount, 2000U);
-  EXPECT_EQ(HashBatch.at("k").size(), 1U);
+  EXPECT_EQ(PendingFields().at("k").size(), 1U);
   EXPECT_EQ(Sent(), "HDEL | other | f\n");
 }
 
@@ -201,7 +201,7 @@ TEST_F(ListBatching, The2001stValueFlushesRemovalsAndThenValues) {
   EXPECT_EQ(ListBatchCount, 2000U);
   ASSERT_EQ(PutListItem(context(), "k", "last"), 1U);
   EXPECT_EQ(ListBatchCount, 1U);
-  EXPECT_EQ(ListBatch.at("k"), std::vector<std::string>{"last"});
+  EXPECT_EQ(PendingValues().at("k"), std::vector<std::string>{"last"});
   EXPECT_EQ(HashBatch.size(), 1U);
   EXPECT_EQ(Sent(), expected);
 }
@@ -222,7 +222,7 @@ TEST_F(ListBatching, AFailedRemovalKeepsTheValuesWaiting) {
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutListItem(context(), "k", "v"), 1U);
   EXPECT_EQ(Printed([&] { EXPECT_EQ(PutListItem(context(), "k", "w"), 0U); }), kRemovalMessage);
   EXPECT_EQ(ListBatchCount, 2000U);
-  EXPECT_EQ(ListBatch.at("k").size(), 2000U);
+  EXPECT_EQ(PendingValues().at("k").size(), 2000U);
 }
 
 TEST_F(RemovalBatching, KeysGoBeforeListValuesBeforeFields) {

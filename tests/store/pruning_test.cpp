@@ -40,7 +40,7 @@ TEST_F(Pruning, EveryLinkOfTheMemberGoesWhateverItPointsTo) {
   ASSERT_EQ(RemovalBatch.hash_fields.size(), 1U);
   (void)store.Run("HSET | /r | kept | 1");
   (void)Sent();
-  for (const std::string& field : RemovalBatch.hash_fields.at("/r")) {
+  for (const char* field : RemovalBatch.hash_fields["/r"]) {
     (void)store.Run(model::Command{"HDEL", "/r", field});
   }
   EXPECT_EQ(store.Dump(),

@@ -23,8 +23,8 @@ class Writer : public StoreTest {
   // What waits in the batches, as it would be stored.
   static std::string Pending() {
     model::Store stored;
-    for (const auto& [key, fields] : HashBatch) stored[key].value = fields;
-    for (const auto& [key, values] : ListBatch) stored[key].value = values;
+    for (const auto& [key, fields] : PendingFields()) stored[key].value = fields;
+    for (const auto& [key, values] : PendingValues()) stored[key].value = values;
     return model::Dump(stored);
   }
 };
@@ -83,7 +83,7 @@ TEST_F(Writer, ARootThatWasWrittenInlineIsNotWrittenAgain) {
   EXPECT_EQ(Write("/1", R"({"O": {"@odata.id": "/a", "X": 1}})"), 1U);
   EXPECT_EQ(Write("/a", R"({"X": 2})"), 1U);
   EXPECT_EQ(store.Dump(), "");
-  EXPECT_EQ(HashBatch.at("/a").at("X"), "1");
+  EXPECT_EQ(PendingFields().at("/a").at("X"), "1");
 }
 
 TEST_F(Writer, AnObjectInsideItselfGetsOnlyItsRecord) {

@@ -36,18 +36,32 @@ void FillRemovalBatch(TestStore* store, std::uint32_t removals_before) {
   RemovalBatchCount = BatchLimit - removals_before;
 }
 
+std::map<std::string, std::map<std::string, std::string>> PendingFields() {
+  std::map<std::string, std::map<std::string, std::string>> pending;
+  for (const auto& [key, fields] : HashBatch) {
+    for (const Field& field : fields) pending[key][field.name] = field.value;
+  }
+  return pending;
+}
+
+std::map<std::string, std::vector<std::string>> PendingValues() {
+  std::map<std::string, std::vector<std::string>> pending;
+  for (const auto& [key, values] : ListBatch) pending[key].assign(values.begin(), values.end());
+  return pending;
+}
+
 std::string PendingRemovalsText() {
   std::string text;
   for (const std::string& key : RemovalBatch.keys) {
     text += model::Describe(model::Command{"UNLINK", key}) + "\n";
   }
   for (const auto& [key, values] : RemovalBatch.list_values) {
-    for (const std::string& value : values) {
+    for (const char* value : values) {
       text += model::Describe(model::Command{"LREM", key, "0", value}) + "\n";
     }
   }
   for (const auto& [key, fields] : RemovalBatch.hash_fields) {
-    for (const std::string& field : fields) {
+    for (const char* field : fields) {
       text += model::Describe(model::Command{"HDEL", key, field}) + "\n";
     }
   }

@@ -5,7 +5,9 @@
 #include <hiredis/hiredis.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "connection/store_connection.h"
 #include "handles.h"
@@ -42,6 +44,10 @@ class StoreTest : public testing::Test {
 /// Makes a later QueueRemoval fail, after this many that succeed: the batch is full by then, and
 /// its flush will be refused because it holds a field of a key that is no hash.
 void FillRemovalBatch(TestStore* store, std::uint32_t removals_before = 0);
+
+/// What waits in HashBatch and in ListBatch.
+std::map<std::string, std::map<std::string, std::string>> PendingFields();
+std::map<std::string, std::vector<std::string>> PendingValues();
 
 /// The pending removals, as the commands that a flush would send.
 std::string PendingRemovalsText();

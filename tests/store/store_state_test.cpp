@@ -26,7 +26,7 @@ TEST(StoreState, ResetBringsTheStartBack) {
   MergeMode = false;
   VisitedResourceMap["/r"] = true;
   PrunedPrefixes["/r"] = true;
-  HashBatch["/r"]["A"] = "1";
+  HashBatch["/r"].push_back({"A", "1"});
   HashBatchCount = 1;
   ListBatch["/r"].push_back("1");
   ListBatchCount = 1;

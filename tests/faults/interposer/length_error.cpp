@@ -10,16 +10,28 @@
 
 namespace {
 
-// The name of operator new(std::size_t) in a library.
-constexpr const char* kOperatorNew = sizeof(std::size_t) == sizeof(unsigned long) &&
-                                             sizeof(unsigned long) > sizeof(unsigned int)
-                                         ? "_Znwm"
-                                         : "_Znwj";
+// The names of operator new(std::size_t), and of the one that is also told an alignment, in a
+// library.
+constexpr bool kSizeIsLong = sizeof(std::size_t) > sizeof(unsigned int);
+constexpr const char* kOperatorNew = kSizeIsLong ? "_Znwm" : "_Znwj";
+constexpr const char* kAlignedOperatorNew =
+    kSizeIsLong ? "_ZnwmSt11align_val_t" : "_ZnwjSt11align_val_t";
+
+void FailAsPlanned() {
+  if (failing_calls::Fails(failing_calls::kNew)) throw std::length_error("planned");
+}
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-  if (failing_calls::Fails(failing_calls::kNew)) throw std::length_error("planned");
+  FailAsPlanned();
   static auto* const next = failing_calls::Next<void*(std::size_t)>(kOperatorNew);
   return next(size);
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  FailAsPlanned();
+  static auto* const next =
+      failing_calls::Next<void*(std::size_t, std::align_val_t)>(kAlignedOperatorNew);
+  return next(size, alignment);
 }
