@@ -1,8 +1,9 @@
 #include "store/layout.h"
 
 #include <algorithm>
+#include <cstring>
 
-const std::set<std::string> ReservedPropertySet = {
+const std::set<std::string, std::less<>> ReservedPropertySet = {
     "&&AllowMethod",
     "&&CRUDprefix",
     "&&POSTValidation",
@@ -20,11 +21,17 @@ const std::set<std::string> ReservedPropertySet = {
     "&&DateTime",
 };
 
-bool IsReservedProperty(const std::string& name) { return ReservedPropertySet.count(name) != 0; }
+bool IsReservedProperty(std::string_view name) {
+  // All of them begin like that, and nearly no other member does.
+  return name.substr(0, 2) == "&&" && ReservedPropertySet.count(name) != 0;
+}
 
 void NormalizeKey(std::string& key) {
-  const auto both_slashes = [](char a, char b) { return a == '/' && b == '/'; };
-  key.erase(std::unique(key.begin(), key.end(), both_slashes), key.end());
+  // Keys are texts without NUL, and hardly any has two slashes in a row.
+  if (std::strstr(key.c_str(), "//") != nullptr) {
+    const auto both_slashes = [](char a, char b) { return a == '/' && b == '/'; };
+    key.erase(std::unique(key.begin(), key.end(), both_slashes), key.end());
+  }
   if (key.compare(0, 2, "&&") != 0) key.insert(0, "&&");
 }
 
@@ -36,8 +43,12 @@ std::string DerivedKey(const std::string& parent_key, const std::string& name) {
   return key;
 }
 
-std::string ReferenceField(const char* marker, const std::string& name, const std::string& target) {
-  return marker + name + " " + target;
+std::string ReferenceField(std::string_view marker, const std::string& name,
+                           const std::string& target) {
+  std::string field;
+  field.reserve(marker.size() + name.size() + 1 + target.size());
+  field.append(marker).append(name).append(" ").append(target);
+  return field;
 }
 
 std::string SubtreePattern(const std::string& key) {

@@ -24,8 +24,10 @@
 #ifndef OSTRAFEL_STORE_LAYOUT_H_
 #define OSTRAFEL_STORE_LAYOUT_H_
 
+#include <functional>
 #include <set>
 #include <string>
+#include <string_view>
 
 /// Points to the hash of a nested object. The blank that ends each marker is part of it.
 inline constexpr const char* ObjectMarker = "&&Object ";
@@ -38,10 +40,10 @@ inline constexpr const char* ArrayMarker = "&&Array ";
 inline constexpr const char* IdMember = "@odata.id";
 
 /// Members whose string values are stored escaped like any string but without the outer quotes.
-extern const std::set<std::string> ReservedPropertySet;
+extern const std::set<std::string, std::less<>> ReservedPropertySet;
 
 /// True when name is, byte for byte, in ReservedPropertySet.
-[[nodiscard]] bool IsReservedProperty(const std::string& name);
+[[nodiscard]] bool IsReservedProperty(std::string_view name);
 
 /// Makes a derived key of a path, in place: every run of slashes becomes one, and "&&" is put in
 /// front unless it is there already. The prefix tells a resource's parts from resources.
@@ -52,7 +54,7 @@ void NormalizeKey(std::string& key);
 [[nodiscard]] std::string DerivedKey(const std::string& parent_key, const std::string& name);
 
 /// The field of a parent hash that points to target: marker + name + " " + target.
-[[nodiscard]] std::string ReferenceField(const char* marker, const std::string& name,
+[[nodiscard]] std::string ReferenceField(std::string_view marker, const std::string& name,
                                          const std::string& target);
 
 /// The glob pattern, as SCAN MATCH takes it, of all keys below key: key + "/*", or key + "*" when

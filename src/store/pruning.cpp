@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <functional>
 #include <stdexcept>
 #include <string_view>
 
@@ -19,6 +20,8 @@ constexpr std::array<std::string_view, 3> kTypeNames = {"hash", "list", "none"};
 bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
+
+constexpr std::size_t kLongestMarker = std::string_view(ObjectRefMarker).size();
 
 // A marker followed by a target.
 bool IsReferenceRecord(std::string_view element) {
@@ -67,7 +70,7 @@ unsigned UnlinkMatchingKeys(redisContext* context, const std::string& pattern) {
   const auto unlink = [&](const std::string& key) {
     return QueueRemoval(context, key, "", RemoveKey);
   };
-  if (ScanAll(ask, 1, unlink) == 0) return 0;
+  if (ScanAll(std::ref(ask), 1, std::ref(unlink)) == 0) return 0;
   const std::size_t kept = pattern.size() < 2 ? pattern.size() : pattern.size() - 2;
   PrunedPrefixes[pattern.substr(0, kept)] = true;
   return 1;
@@ -81,7 +84,7 @@ unsigned RemoveMatchingFields(redisContext* context, const std::string& key,
   const auto remove = [&](const std::string& field) {
     return QueueRemoval(context, key, field, RemoveField);
   };
-  return ScanAll(ask, 2, remove);  // fields and values alternate
+  return ScanAll(std::ref(ask), 2, std::ref(remove));  // fields and values alternate
 }
 
 bool IsUnderPrunedPrefix(const std::string& pattern) {
@@ -120,16 +123,21 @@ unsigned PruneStaleKey(redisContext* context, const std::string& child_key, Expe
 unsigned PruneProperty(redisContext* context, const std::string& parent_key,
                        const std::string& name, const std::string& child_key, bool in_list,
                        ExpectedKind expected) {
-  const std::string stale_key = child_key.empty() ? DerivedKey(parent_key, name) : child_key;
+  const std::string derived_key = child_key.empty() ? DerivedKey(parent_key, name) : "";
+  const std::string& stale_key = child_key.empty() ? derived_key : child_key;
   if (PruneStaleKey(context, stale_key, expected) == 0) return 0;
 
   const RemovalKind kind = in_list ? RemoveListValue : RemoveField;
   if (QueueRemoval(context, parent_key, name, kind) == 0) return 0;
+  // Each text takes the other's place in the same memory.
+  const std::string record_end = in_list ? stale_key : ReferenceField("", name, stale_key);
+  std::string text;
+  text.reserve(kLongestMarker + record_end.size());
   for (const char* marker : {ArrayMarker, ObjectRefMarker, ObjectMarker}) {
-    const std::string record =
-        in_list ? marker + stale_key : ReferenceField(marker, name, stale_key);
-    if (QueueRemoval(context, parent_key, record, kind) == 0) return 0;
+    text.assign(marker).append(record_end);
+    if (QueueRemoval(context, parent_key, text, kind) == 0) return 0;
   }
   if (in_list) return 1;
-  return RemoveMatchingFields(context, parent_key, ReferenceField(ObjectRefMarker, name, "*"));
+  text.assign(ObjectRefMarker).append(name).append(" *");
+  return RemoveMatchingFields(context, parent_key, text);
 }

@@ -7,6 +7,7 @@
 #include "store/layout.h"
 #include "store/pruning.h"
 #include "store/replies.h"
+#include "store/required_text.h"
 #include "store/store_state.h"
 #include "store/value_rendering.h"
 
@@ -146,10 +147,10 @@ unsigned WriteScalarProperty(redisContext* context, const std::string& key, cons
   return PutHashField(context, key.c_str(), name, text.c_str());
 }
 
-unsigned WriteReservedProperty(redisContext* context, const std::string& key,
-                               const std::string& name, const json_t* value) {
-  if (!IsReservedProperty(name) || !json_is_string(value)) return 0;
+unsigned WriteReservedProperty(redisContext* context, const std::string& key, const char* name,
+                               const json_t* value) {
+  if (!IsReservedProperty(RequiredText(name)) || !json_is_string(value)) return 0;
   std::string text = json_string_value(value);
   EscapeText(text);
-  return PutHashField(context, key.c_str(), name.c_str(), text.c_str());
+  return PutHashField(context, key.c_str(), name, text.c_str());
 }

@@ -50,6 +50,6 @@
 /// for any other member and when it could not be queued; the caller then writes it as a plain
 /// scalar.
 [[nodiscard]] unsigned WriteReservedProperty(redisContext* context, const std::string& key,
-                                             const std::string& name, const json_t* value);
+                                             const char* name, const json_t* value);
 
 #endif  // OSTRAFEL_STORE_RESOURCE_WRITER_H_

@@ -15,9 +15,13 @@ constexpr std::size_t kRealSize = 328;
 std::string RenderString(const json_t* value) {
   const char* content = json_string_value(value);
   if (content == nullptr) return {};
-  std::string text = content;
+  std::string text;
+  text.reserve(json_string_length(value) + 2);
+  text.append(content);
   EscapeText(text);
-  return '"' + text + '"';
+  text.insert(text.begin(), '"');
+  text.push_back('"');
+  return text;
 }
 
 // Clamped before the conversion, which is undefined for a double outside the range.
@@ -52,6 +56,8 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
 }
 
 void EscapeText(std::string& text) {
+  // Hardly any text has either.
+  if (text.find('\\') == std::string::npos && text.find('"') == std::string::npos) return;
   ReplaceAll(text, "\\", "\\\\");
   ReplaceAll(text, "\"", "\\\"");
 }
