@@ -34,11 +34,19 @@ unsigned CollectReplies(redisContext* context, std::size_t count,
   return result;
 }
 
-// Appends one command to the pipeline and counts it. A command that cannot be appended leaves the
-// context in its error state, so that reading its reply fails.
+// Of a long pipeline this much is sent at a time, so that the server works while the rest is still
+// formatted.
+constexpr std::size_t kWriteSize = std::size_t{16} * 1024;
+
+// Appends one command to the pipeline and counts it. A command that cannot be appended, or sent,
+// leaves the context in its error state, so that reading its reply fails.
 template <typename... Texts>
 void Append(redisContext* context, std::size_t* count, const char* format, Texts... texts) {
   (void)redisAppendCommand(context, format, texts...);
+  if (sdslen(context->obuf) >= kWriteSize) {
+    int is_sent_whole = 0;  // what is not goes out later
+    (void)redisBufferWrite(context, &is_sent_whole);
+  }
   ++*count;
 }
 
