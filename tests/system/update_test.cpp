@@ -1,5 +1,6 @@
 // What an update makes of a store that an earlier run filled.
 #include <algorithm>
+#include <map>
 #include <string>
 
 #include "system/system_fixture.h"
@@ -224,6 +225,38 @@ TEST_F(Update, ASubtreeIsScannedOncePerRun) {
     if (flight.commands.front().front() == "SCAN") ++scans;
   }
   EXPECT_EQ(scans, 1U);
+}
+
+// Five hundred members, of two resources, lead to lists of records in one subtree, all of them
+// stale. Their removals need a flush in between.
+TEST_F(Update, NoSubtreeIsScannedTwiceHoweverManyMembersLeadIntoIt) {
+  const auto put_stale_list = [&](const std::string& key) {
+    (void)store.Run(model::Command{"RPUSH", key, "&&Object " + key + "/0"});
+    (void)store.Run(model::Command{"HSET", key + "/0", "x", "1"});
+  };
+  const auto member = [](const std::string& name, const std::string& id) {
+    return '"' + name + R"(": {"@odata.id": ")" + id + R"(", "x": 2})";
+  };
+  put_stale_list("/s");
+  std::string members = member("Top", "/s");
+  for (int i = 0; i < 250; ++i) {
+    const std::string id = "/s/" + std::to_string(i);
+    put_stale_list(id);
+    members += ", " + member("M" + std::to_string(i), id);
+  }
+  (void)tree.Write("index.json", "{" + members + "}");
+  (void)tree.Write("Other/index.json", "{" + members + "}");
+  Load({"update", tree.path(), "/r", "index.json"});
+
+  std::map<std::string, int> scans;  // pattern -> how many were begun
+  int flushes = 0;
+  for (const model::Flight& flight : recording.flights) {
+    const model::Command& command = flight.commands.front();
+    if (command[0] == "SCAN" && command[1] == "0") ++scans[command[3]];
+    if (command[0] == "UNLINK" || command[0] == "HDEL") ++flushes;
+  }
+  EXPECT_EQ(scans, (std::map<std::string, int>{{"/s/*", 1}, {"&&/s/*", 1}}));
+  EXPECT_GT(flushes, 1);
 }
 
 }  // namespace
