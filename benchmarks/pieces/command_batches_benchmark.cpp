@@ -1,0 +1,49 @@
+// Queuing only: a batch is filled up to its limit and then thrown away, so no connection is needed.
+// The times are those of one item, a share of throwing the batch away included.
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <vector>
+
+#include "pieces/expect.h"
+#include "pieces/queue_items.h"
+#include "store/command_batches.h"
+#include "store/store_state.h"
+
+namespace {
+
+constexpr std::size_t kKeys = kBatchItems / 8;
+
+void MeasurePutHashField(benchmark::State& state) {
+  const std::vector<QueueItem> items = MakeQueueItems(8);
+  unsigned result = 1;
+  while (state.KeepRunningBatch(kBatchItems)) result &= QueueFields(nullptr, items);
+  Expect(result == 1 && HashBatchCount == kBatchItems && HashBatch.size() == kKeys,
+         "the fields were queued");
+  ResetStoreState();
+}
+BENCHMARK(MeasurePutHashField)->Name("PutHashField/new");
+
+// Every field of one object again and again.
+void MeasurePutHashFieldAgain(benchmark::State& state) {
+  std::vector<QueueItem> items = MakeQueueItems(8);
+  for (QueueItem& item : items) item.key = items.front().key;
+  unsigned result = 1;
+  while (state.KeepRunningBatch(kBatchItems)) result &= QueueFields(nullptr, items);
+  Expect(result == 1 && HashBatchCount == kBatchItems && HashBatch.size() == 1,
+         "the fields were replaced");
+  ResetStoreState();
+}
+BENCHMARK(MeasurePutHashFieldAgain)->Name("PutHashField/replaced");
+
+void MeasurePutListItem(benchmark::State& state) {
+  const std::vector<QueueItem> items = MakeQueueItems(8);
+  unsigned result = 1;
+  while (state.KeepRunningBatch(kBatchItems)) result &= QueueValues(nullptr, items);
+  Expect(result == 1 && ListBatchCount == kBatchItems && ListBatch.size() == kKeys,
+         "the values were queued");
+  ResetStoreState();
+}
+BENCHMARK(MeasurePutListItem)->Name("PutListItem");
+
+}  // namespace

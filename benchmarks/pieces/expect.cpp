@@ -1,0 +1,10 @@
+#include "pieces/expect.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+void Expect(bool is_met, const char* expectation) {
+  if (is_met) return;
+  (void)std::fprintf(stderr, "benchmark_pieces: not met: %s\n", expectation);
+  std::exit(EXIT_FAILURE);
+}

@@ -1,0 +1,54 @@
+// A create only queues until a batch is full, so the writing of a resource can be measured without
+// a connection: the document is written as one resource after the other while there is room in the
+// batches, which are then thrown away. The times are those of one resource.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "document/json_file.h"
+#include "pieces/expect.h"
+#include "store/resource_writer.h"
+#include "store/store_state.h"
+
+namespace {
+
+void BeginCreate() {
+  ResetStoreState();
+  MergeMode = false;
+}
+
+void MeasureWriteResource(benchmark::State& state, const char* file) {
+  const Document document =
+      LoadJsonFile((std::string(OSTRAFEL_SOURCE_DIR "/examples/rackmount/") + file).c_str());
+  BeginCreate();
+  Expect(document && WriteResource(nullptr, "/redfish/v1/Copies/1000", document.get()) == 1,
+         "the document can be written");
+  const std::uint32_t fields = HashBatchCount;
+  const std::uint32_t values = ListBatchCount;
+  Expect(fields > 10, "a resource has fields");
+
+  std::vector<std::string> keys;
+  for (std::uint32_t i = 0; i < BatchLimit / std::max(fields, values); ++i) {
+    keys.push_back("/redfish/v1/Copies/" + std::to_string(1000 + i));
+  }
+  unsigned result = 1;
+  while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(keys.size()))) {
+    BeginCreate();
+    for (const std::string& key : keys) result &= WriteResource(nullptr, key, document.get());
+  }
+  Expect(result == 1 && HashBatchCount == fields * keys.size() &&
+             ListBatchCount == values * keys.size(),
+         "each resource was queued whole");
+  ResetStoreState();
+  state.counters["fields"] = fields;
+  state.counters["values"] = values;
+}
+BENCHMARK_CAPTURE(MeasureWriteResource, system, "Systems/Node1/index.json")
+    ->Name("WriteResource/system");
+BENCHMARK_CAPTURE(MeasureWriteResource, sensor, "Chassis/Twin/Sensors/Fan1Speed/index.json")
+    ->Name("WriteResource/sensor");
+
+}  // namespace
