@@ -1,0 +1,61 @@
+"""Runs of programs beside the sandbox's server, and what they took."""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+
+import sandbox_server
+
+URI = "/redfish/v1"
+HERE = pathlib.Path(__file__).resolve().parent
+
+
+def as_text(command):
+    return [str(part) for part in command]
+
+
+def run(command, **settings):
+    """Runs a command to its end: the time that it took, and processor time on both sides. That of
+    the client includes the processes that it started."""
+    before = sandbox_server.cpu_seconds()
+    start = time.perf_counter()
+    process = subprocess.Popen(as_text(command), stdout=subprocess.PIPE, text=True, **settings)
+    printed = process.stdout.read()
+    _, status, usage = os.wait4(process.pid, 0)
+    wall = time.perf_counter() - start
+    process.returncode = status
+    process.stdout.close()
+    if status != 0:
+        sys.exit(f"{command[0]} failed.")
+    return {"wall": wall, "client": usage.ru_utime + usage.ru_stime,
+            "server": sandbox_server.cpu_seconds() - before, "printed": printed}
+
+
+def peak_memory(command, **settings):
+    """The MiB that a command had in memory at most. A process starts with the pages of its parent,
+    so the parent here is a small one."""
+    with tempfile.NamedTemporaryFile("r") as report:
+        subprocess.run(["/usr/bin/time", "-q", "-f", "%M", "-o", report.name, *as_text(command)],
+                       check=True, stdout=subprocess.DEVNULL, **settings)
+        return int(report.read()) / 1024
+
+
+def instructions(command, function=None):
+    """The instructions that a command executes in user space, or only those inside a function."""
+    toggle = [] if function is None else [f"--toggle-collect={function}"]
+    with tempfile.NamedTemporaryFile("r") as report:
+        subprocess.run(["valgrind", "-q", "--tool=callgrind", *toggle,
+                        f"--callgrind-out-file={report.name}", *as_text(command)],
+                       check=True, stdout=subprocess.DEVNULL)
+        return next(int(line.split()[1]) for line in report if line.startswith("totals:"))
+
+
+def built(build, name):
+    """The path of a program or library of ours, wherever in the build's folder it lies."""
+    for path in (build / name, build / "benchmarks" / name):
+        if path.exists():
+            return path
+    sys.exit(f"{name} is missing in {build}: scripts/benchmark builds it.")

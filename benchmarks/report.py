@@ -1,0 +1,168 @@
+#!/usr/bin/python3
+"""Writes the figures of a run of measure.py into a Markdown document.
+
+A table goes between the comments "<!-- begin NAME -->" and "<!-- end NAME -->"; what lies outside
+of them is written by hand and stays."""
+
+import argparse
+import json
+import pathlib
+import re
+import statistics
+import sys
+
+
+def table(columns, rows):
+    """Text columns are those whose first cell is not a number."""
+    def is_number(cell):
+        return re.fullmatch(r"[-+]?[\d.,]+|–", str(cell)) is not None
+
+    marks = ["---:" if all(is_number(row[place]) for row in rows) else "---"
+             for place in range(len(columns))]
+    lines = [columns, marks, *rows]
+    return "\n".join("| " + " | ".join(map(str, line)) + " |" for line in lines)
+
+
+def thousands(number):
+    return f"{number:,}"
+
+
+def median(runs, figure):
+    return statistics.median(run[figure] for run in runs)
+
+
+def ratio(runs, others):
+    """The median of the ratios of the wall times of each round."""
+    return statistics.median(a["wall"] / b["wall"] for a, b in zip(runs, others))
+
+
+def seconds(value):
+    return f"{value * 1e3:,.1f}"
+
+
+def wall_times(tree):
+    rows = []
+    for name, scenario in tree["scenarios"].items():
+        results = scenario["results"]
+        for contender, runs in results.items():
+            memory = scenario.get("memory", {}).get(contender)
+            rows.append([name if contender == "Ostrafel" else "", contender,
+                         seconds(median(runs, "wall")),
+                         f"{ratio(runs, results['floor']):.2f}",
+                         f"{ratio(results['Ostrafel'], runs):.2f}",
+                         seconds(median(runs, "client")), seconds(median(runs, "server")),
+                         "–" if memory is None else f"{memory:.1f}", len(runs)])
+    return table(["run", "by", "wall, ms", "÷ floor", "Ostrafel ÷ it", "client CPU, ms",
+                  "server CPU, ms", "peak, MiB", "rounds"], rows)
+
+
+def work(trees):
+    rows = []
+    for tree_name, tree in trees.items():
+        for name, scenario in tree["scenarios"].items():
+            counts = scenario["counts"]
+            rows.append([f"{tree_name}, {name}", thousands(scenario["loaded files"]),
+                         *(thousands(counts[figure])
+                           for figure in ("commands", "round trips", "bytes"))])
+    return table(["run", "files", "commands", "round trips", "bytes"], rows)
+
+
+def instructions(trees):
+    rows = []
+    for tree_name, tree in trees.items():
+        for name, scenario in tree["scenarios"].items():
+            if "instructions" not in scenario:
+                continue
+            counts = scenario["instructions"]
+            main, whole, floor = (counts[kind] for kind in ("main", "whole process", "floor"))
+            rows.append([f"{tree_name}, {name}", f"{floor / 1e6:.2f}", f"{main / 1e6:.2f}",
+                         f"{main / floor:.3f}", f"{whole / 1e6:.2f}", f"{whole / floor:.3f}"])
+    return table(["run", "floor, millions", "main, millions", "main ÷ floor",
+                  "whole process, millions", "whole process ÷ floor"], rows)
+
+
+def results(measured):
+    parts = ["![Wall times beside the floor](performance.svg)"]
+    for name, tree in measured["trees"].items():
+        parts += [f"### {name}: {thousands(tree['files'])} files", wall_times(tree)]
+    parts += ["### Commands", work(measured["trees"]),
+              "### Instructions in user space", instructions(measured["trees"])]
+    return "\n\n".join(parts)
+
+
+def per_file(measured):
+    if "per file" not in measured:
+        return "Not measured: there was no large tree."
+    figures = measured["per file"]
+    rows = []
+    for contender, (small, large) in figures["client seconds per file"].items():
+        rows.append([f"client CPU per file, µs, {contender}", f"{small * 1e6:.1f}",
+                     f"{large * 1e6:.1f}", f"{large / small:.2f}"])
+    small, large = figures["peak memory"]
+    rows.append(["peak memory, MiB, Ostrafel", f"{small:.2f}", f"{large:.2f}",
+                 f"{large / small:.2f}"])
+    files = [f"{thousands(count)} files" for count in figures["files"]]
+    return (table(["create on an empty store", *files, "ratio"], rows) + "\n\nPeak memory for each "
+            f"further file: {figures['KiB per further file']:.2f} KiB.")
+
+
+def start_up(measured):
+    figures = measured["start-up"]
+    labels = {"Ostrafel": "Ostrafel, to the first byte that it sends",
+              "floor": "the floor, to the first byte that it sends",
+              "shell pipeline": "the shell pipeline by itself, to its end",
+              "no arguments": "Ostrafel without arguments, to its end"}
+    times = table(["from the start of the process", "ms"],
+                  [[labels[name], f"{value * 1e3:.2f}"] for name, value in
+                   figures["seconds"].items()])
+    calls = table(["part", "system calls", "which"],
+                  [[name, count, ", ".join(f"{call}" + (f" × {times}" if times > 1 else "")
+                                           for call, times in names.items())]
+                   for name, count, names in figures["calls"]])
+    pipeline = figures["pipeline"]
+    return (f"{times}\n\n{calls}\n\nThe shell pipeline's own {pipeline['processes']} processes "
+            f"make {thousands(pipeline['calls'])} system calls.")
+
+
+def pieces(measured):
+    rows = []
+    for piece in measured["pieces"]["benchmarks"]:
+        if piece.get("run_type", "iteration") == "iteration" and "real_time" in piece:
+            rows.append([f"`{piece['name']}`", f"{piece['real_time']:,.1f}",
+                         f"{piece['cpu_time']:,.1f}", piece["time_unit"]])
+    return table(["piece", "time", "CPU time", "unit"], rows)
+
+
+def machine(measured):
+    return table(["measured", "with"], measured["machine"])
+
+
+def blocks(measured):
+    """Name of a block -> its text."""
+    made = {"results": results(measured), "per file": per_file(measured),
+            "start-up": start_up(measured), "machine": machine(measured),
+            "pieces": pieces(measured)}
+    for grown in measured["growth"]:
+        rows = [[thousands(cell) if isinstance(cell, int) else cell for cell in row]
+                for row in grown["rows"]]
+        made[grown["name"]] = table(grown["columns"], rows)
+    return made
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("results", type=pathlib.Path, help="results.json of measure.py")
+    parser.add_argument("document", type=pathlib.Path)
+    arguments = parser.parse_args()
+    text = arguments.document.read_text(encoding="utf-8")
+    for name, block in blocks(json.loads(arguments.results.read_text(encoding="utf-8"))).items():
+        begin, end = f"<!-- begin {name} -->\n", f"<!-- end {name} -->"
+        if text.count(begin) != 1 or text.count(end) != 1:
+            sys.exit(f"report: {arguments.document} has no place for \"{name}\".")
+        before, _, rest = text.partition(begin)
+        text = f"{before}{begin}\n{block}\n\n{end}{rest.partition(end)[2]}"
+    arguments.document.write_text(text, encoding="utf-8")
+
+
+if __name__ == "__main__":
+    main()
