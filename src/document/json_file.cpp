@@ -17,7 +17,8 @@ void* Allocate(std::size_t size) {
   return memory;
 }
 
-// One file is read at a time. Most are read whole by one call of the system.
+// stdio's buffer of the file that is being read, one at a time. Most files fit in and take one
+// read.
 std::array<char, std::size_t{32} * 1024> file_buffer;
 
 }  // namespace

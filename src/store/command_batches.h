@@ -14,8 +14,8 @@
 /// value; then for each hash in ascending byte order an "HDEL key field" for each field.
 ///
 /// All commands are appended before the first reply is read, and every reply is read even after a
-/// bad one, so that the connection stays in step. A long pipeline is sent piece by piece while it
-/// is formatted, so that the server works meanwhile. Returns 1 when every reply is an integer, 0
+/// bad one, so that the connection stays in step. A long one is sent piece by piece meanwhile
+/// (pipeline.h). Returns 1 when every reply is an integer, 0
 /// included (there was nothing to remove), or nothing was pending. Prints "Failed to get reply\n"
 /// for each reply that cannot be read and, once, at the first bad reply, "Some errors occur while
 /// removing data from database\n" and "The data in database would be incorrect\n". The batch is

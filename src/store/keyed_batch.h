@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 #include <memory_resource>
+#include <string_view>
 
 /// Plain byte-wise comparison of NUL-terminated texts, a text before those that go on after it.
 struct ByteOrder {
@@ -33,10 +34,11 @@ class KeyedBatch {
     return last_->second;
   }
 
-  /// A copy of text, which must not be null, that lives until the batch is cleared.
-  [[nodiscard]] const char* Keep(const char* text) {
-    const std::size_t size = std::strlen(text) + 1;
-    return static_cast<const char*>(std::memcpy(memory_.allocate(size, 1), text, size));
+  /// A NUL-terminated copy of text that lives until the batch is cleared.
+  [[nodiscard]] const char* Keep(std::string_view text) {
+    char* copy = static_cast<char*>(memory_.allocate(text.size() + 1, 1));
+    copy[text.copy(copy, text.size())] = '\0';
+    return copy;
   }
 
   void clear() {

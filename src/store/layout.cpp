@@ -43,12 +43,17 @@ std::string DerivedKey(const std::string& parent_key, const std::string& name) {
   return key;
 }
 
-std::string ReferenceField(std::string_view marker, const std::string& name,
-                           const std::string& target) {
+std::string ReferenceField(std::string_view marker, std::string_view name,
+                           std::string_view target) {
   std::string field;
   field.reserve(marker.size() + name.size() + 1 + target.size());
-  field.append(marker).append(name).append(" ").append(target);
+  field.append(marker);
+  AppendRecordEnd(&field, name, target);
   return field;
+}
+
+void AppendRecordEnd(std::string* record, std::string_view name, std::string_view target) {
+  record->append(name).append(" ").append(target);
 }
 
 std::string SubtreePattern(const std::string& key) {

@@ -54,8 +54,11 @@ void NormalizeKey(std::string& key);
 [[nodiscard]] std::string DerivedKey(const std::string& parent_key, const std::string& name);
 
 /// The field of a parent hash that points to target: marker + name + " " + target.
-[[nodiscard]] std::string ReferenceField(std::string_view marker, const std::string& name,
-                                         const std::string& target);
+[[nodiscard]] std::string ReferenceField(std::string_view marker, std::string_view name,
+                                         std::string_view target);
+
+/// Appends what such a field holds behind its marker: name + " " + target.
+void AppendRecordEnd(std::string* record, std::string_view name, std::string_view target);
 
 /// The glob pattern, as SCAN MATCH takes it, of all keys below key: key + "/*", or key + "*" when
 /// key ends with a slash. Glob characters in key keep their meaning.

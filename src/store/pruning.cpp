@@ -21,7 +21,7 @@ bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
 
-constexpr std::size_t kLongestMarker = std::string_view(ObjectRefMarker).size();
+constexpr std::size_t kLongestMarkerSize = std::string_view(ObjectRefMarker).size();
 
 // A marker followed by a target.
 bool IsReferenceRecord(std::string_view element) {
@@ -31,13 +31,9 @@ bool IsReferenceRecord(std::string_view element) {
   });
 }
 
-void Queue(const std::string& key, const std::string& value, KeyedBatch<KeptTexts>* batch) {
-  (*batch)[key.c_str()].push_back(batch->Keep(value.c_str()));
-}
-
 }  // namespace
 
-unsigned QueueRemoval(redisContext* context, const std::string& key, const std::string& value,
+unsigned QueueRemoval(redisContext* context, const std::string& key, std::string_view value,
                       RemovalKind kind) {
   if (RemovalBatchCount == BatchLimit) {
     if (FlushRemovalBatch(context) == 0) return 0;
@@ -46,10 +42,10 @@ unsigned QueueRemoval(redisContext* context, const std::string& key, const std::
   try {
     switch (kind) {
       case RemoveField:
-        Queue(key, value, &RemovalBatch.hash_fields);
+        QueueText(key.c_str(), value, &RemovalBatch.hash_fields);
         break;
       case RemoveListValue:
-        Queue(key, value, &RemovalBatch.list_values);
+        QueueText(key.c_str(), value, &RemovalBatch.list_values);
         break;
       case RemoveKey:
       default:
@@ -70,6 +66,7 @@ unsigned UnlinkMatchingKeys(redisContext* context, const std::string& pattern) {
   const auto unlink = [&](const std::string& key) {
     return QueueRemoval(context, key, "", RemoveKey);
   };
+  // By reference, because std::function would copy them to the heap.
   if (ScanAll(std::ref(ask), 1, std::ref(unlink)) == 0) return 0;
   const std::size_t kept = pattern.size() < 2 ? pattern.size() : pattern.size() - 2;
   PrunedPrefixes[pattern.substr(0, kept)] = true;
@@ -129,15 +126,21 @@ unsigned PruneProperty(redisContext* context, const std::string& parent_key,
 
   const RemovalKind kind = in_list ? RemoveListValue : RemoveField;
   if (QueueRemoval(context, parent_key, name, kind) == 0) return 0;
-  // Each text takes the other's place in the same memory.
-  const std::string record_end = in_list ? stale_key : ReferenceField("", name, stale_key);
-  std::string text;
-  text.reserve(kLongestMarker + record_end.size());
-  for (const char* marker : {ArrayMarker, ObjectRefMarker, ObjectMarker}) {
-    text.assign(marker).append(record_end);
+  // The records differ in their markers only, which take turns in front of what they share.
+  std::string record;
+  record.reserve(kLongestMarkerSize + name.size() + 1 + stale_key.size());
+  record.assign(kLongestMarkerSize, ' ');
+  if (in_list) {
+    record.append(stale_key);
+  } else {
+    AppendRecordEnd(&record, name, stale_key);
+  }
+  for (const std::string_view marker : {ArrayMarker, ObjectRefMarker, ObjectMarker}) {
+    const std::size_t start = kLongestMarkerSize - marker.size();
+    (void)marker.copy(&record[start], marker.size());
+    const std::string_view text = std::string_view(record).substr(start);
     if (QueueRemoval(context, parent_key, text, kind) == 0) return 0;
   }
   if (in_list) return 1;
-  text.assign(ObjectRefMarker).append(name).append(" *");
-  return RemoveMatchingFields(context, parent_key, text);
+  return RemoveMatchingFields(context, parent_key, ReferenceField(ObjectRefMarker, name, "*"));
 }

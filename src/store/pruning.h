@@ -17,6 +17,7 @@
 #include <hiredis/hiredis.h>
 
 #include <string>
+#include <string_view>
 
 /// What the new value will hold at its own key.
 enum ExpectedKind {
@@ -85,6 +86,6 @@ enum RemovalKind {
 /// flushes again. A text too long for the standard library gives 0 and prints "Failed to push data:
 /// %s.\n". Duplicates are kept.
 [[nodiscard]] unsigned QueueRemoval(redisContext* context, const std::string& key,
-                                    const std::string& value, RemovalKind kind);
+                                    std::string_view value, RemovalKind kind);
 
 #endif  // OSTRAFEL_STORE_PRUNING_H_

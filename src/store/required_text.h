@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// Returns text, which is NUL-terminated. Raises logic_error for a null one, as the making of a
-/// std::string does, by making one.
+/// Returns text, or raises for a null one the logic_error that std::string raises, with its
+/// message.
 [[nodiscard]] inline const char* RequiredText(const char* text) {
   if (text == nullptr) (void)std::string(text);
   return text;

@@ -15,6 +15,11 @@ std::uint32_t ListBatchCount = 0;
 PendingRemovals RemovalBatch;
 std::uint32_t RemovalBatchCount = 0;
 
+void QueueText(const char* key, std::string_view text, KeyedBatch<KeptTexts>* batch) {
+  const char* kept = batch->Keep(text);
+  (*batch)[key].push_back(kept);
+}
+
 void PendingRemovals::clear() {
   keys.clear();
   list_values.clear();

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory_resource>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "store/keyed_batch.h"
@@ -28,6 +29,9 @@ inline constexpr std::uint32_t BatchLimit = 2000;
 
 /// Texts that a KeyedBatch keeps.
 using KeptTexts = std::pmr::vector<const char*>;
+
+/// Queues a copy of text as the last for key, of which a new one is copied, too.
+void QueueText(const char* key, std::string_view text, KeyedBatch<KeptTexts>* batch);
 
 /// A field of a hash; a KeyedBatch keeps the texts.
 struct Field {

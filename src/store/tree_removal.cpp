@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "store/pipeline.h"
 #include "store/replies.h"
 
 namespace {
@@ -17,9 +18,9 @@ constexpr Patterns kPatternsAfterSlash = {"keys %s", "keys %s*", "keys &&%s*"};
 
 // Deletes the keys that a KEYS command found. Returns 0 when a reply cannot be read.
 unsigned DeleteKeys(redisContext* context, const redisReply& found) {
+  Pipeline pipeline = {context};
   for (std::size_t i = 0; i < found.elements; ++i) {
-    // A command that cannot be appended makes the reading of its reply fail.
-    (void)redisAppendCommand(context, "del %s", found.element[i]->str);
+    AppendCommand(&pipeline, "del %s", found.element[i]->str);
   }
   for (std::size_t i = 0; i < found.elements; ++i) {
     Reply reply;
