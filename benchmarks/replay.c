@@ -1,7 +1,7 @@
-// The floor: what the two libraries cost. It finds the server with the program's shell pipeline, reads
-// the same files with jansson, through stdio as it is, and makes the same calls of hiredis as a recorded
-// run of Ostrafel (record_calls.c), and nothing else. No text is made, nothing is sorted, nothing is
-// kept, and nothing is sent before all of it is formatted.
+// The floor: what the two libraries cost. It finds the server with the shell pipeline of
+// src/connection/connection_config.cpp, reads the same files with jansson, through stdio as it is, and makes the same calls of hiredis as a
+// recorded run of Ostrafel (record_calls.c), and nothing else. No text is made, nothing is sorted,
+// nothing is kept, and nothing is sent before all of it is formatted.
 //
 // Usage: replay [--round-trips] RECORDING SOCKET FOLDER FILENAME
 //

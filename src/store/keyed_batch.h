@@ -41,6 +41,8 @@ class KeyedBatch {
     return copy;
   }
 
+  // NOLINTBEGIN(readability-identifier-naming): named as those of standard containers
+
   void clear() {
     entries_.clear();
     last_ = entries_.end();
@@ -51,6 +53,8 @@ class KeyedBatch {
   [[nodiscard]] std::size_t size() const { return entries_.size(); }
   [[nodiscard]] auto begin() const { return entries_.begin(); }
   [[nodiscard]] auto end() const { return entries_.end(); }
+
+  // NOLINTEND(readability-identifier-naming)
 
  private:
   // Holds most full batches in a few blocks, which the heap has ready again after a flush.

@@ -57,7 +57,7 @@ struct PendingRemovals {
   KeyedBatch<KeptTexts> hash_fields;  ///< Hash key -> field names.
 
   /// Empties all three.
-  void clear();
+  void clear();  // NOLINT(readability-identifier-naming): named as those of the three
 };
 extern PendingRemovals RemovalBatch;
 /// Removals of all three kinds queued since QueueRemoval last flushed. The flushes that the puts

@@ -70,6 +70,22 @@ TEST_F(LoadJson, AMissingFileIsNotReported) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
+TEST_F(LoadJson, ReadsAFileOfManyBuffersBehindAByteOrderMark) {
+  const std::string text(200000, 'x');
+  const Document document = Load("\xEF\xBB\xBF{\"a\": \"" + text + "\", \"b\": 1}");
+  EXPECT_EQ(json_string_value(json_object_get(document.get(), "a")), text);
+  EXPECT_EQ(json_integer_value(json_object_get(document.get(), "b")), 1);
+  EXPECT_EQ(printed, "");
+}
+
+TEST_F(LoadJson, NothingOfABrokenFileGetsIntoTheNext) {
+  EXPECT_EQ(Load(std::string(100000, ' ') + "{\"a\": "), nullptr);
+  const Document document = Load("{\"b\": 1}");
+  EXPECT_EQ(json_object_size(document.get()), 1U);
+  EXPECT_EQ(json_integer_value(json_object_get(document.get(), "b")), 1);
+  EXPECT_EQ(printed, "");
+}
+
 TEST_F(LoadJson, ADirectoryOpensAndCannotBeRead) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(LoadJsonFile(directory.path().c_str()), nullptr);

@@ -141,6 +141,8 @@ TEST_F(HashBatching, ANullTextIsALogicError) {
   EXPECT_THROW((void)PutListItem(context(), "k", none), std::logic_error);
   EXPECT_EQ(HashBatchCount, 0U);
   EXPECT_EQ(ListBatchCount, 0U);
+  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_TRUE(ListBatch.empty());
 }
 
 TEST_F(ListBatching, KeysGoInAscendingOrderAndValuesInQueueOrder) {
