@@ -30,6 +30,13 @@ class Bench:
         (self.folder / "index.json").write_text(json.dumps(document), encoding="utf-8")
         return self.load_tree(action, self.folder)
 
+    def make_rack(self, nodes):
+        """A generated tree."""
+        tree = self.folder / f"rack{nodes}"
+        subprocess.run([sys.executable, HERE / "generate_tree.py", tree, "--nodes", str(nodes)],
+                       check=True, stdout=subprocess.DEVNULL)
+        return tree
+
     def load_tree(self, action, tree):
         sandbox_server.reset_statistics()
         result = run([self.program, action, tree, URI])
@@ -138,9 +145,7 @@ def whole_trees(bench, is_quick):
     """Generated racks of ever more nodes: create, and update over itself."""
     rows = []
     for nodes in doubling(1, 2 if is_quick else 16):
-        tree = bench.folder / f"rack{nodes}"
-        subprocess.run([sys.executable, HERE / "generate_tree.py", tree, "--nodes", str(nodes)],
-                       check=True, stdout=subprocess.DEVNULL)
+        tree = bench.make_rack(nodes)
         sandbox_server.clear()
         created = bench.load_tree("create", tree)
         keys = sandbox_server.SERVER.dbsize()
@@ -155,9 +160,7 @@ def whole_trees(bench, is_quick):
 
 def server_settings(bench, is_quick):
     """The update of one rack under the settings that keep hashes compact."""
-    tree = bench.folder / "rack"
-    subprocess.run([sys.executable, HERE / "generate_tree.py", tree, "--nodes",
-                    "1" if is_quick else "6"], check=True, stdout=subprocess.DEVNULL)
+    tree = bench.make_rack(1 if is_quick else 6)
     rows = []
     for entries, value in ((128, 64), (1024, 64), (128, 512), (1024, 512)):
         with sandbox_server.settings(hash_max_listpack_entries=entries,

@@ -30,7 +30,7 @@ def log(text):
 
 class Scenario:
     """A kind of run: the action, the tree that is loaded, and the tree that the store holds before,
-    or None. large is the tree whose updates take too long for most contenders."""
+    or None. is_large: updates of the tree take too long for most contenders."""
 
     def __init__(self, build, folder, action, tree, stored, is_large):
         self.build, self.folder, self.action = build, folder, action

@@ -54,8 +54,8 @@ def instructions(command, function=None):
 
 
 def built(build, name):
-    """The path of a program or library of ours, wherever in the build's folder it lies."""
-    for path in (build / name, build / "benchmarks" / name):
-        if path.exists():
-            return path
-    sys.exit(f"{name} is missing in {build}: scripts/benchmark builds it.")
+    """The path of a program or library that scripts/benchmark builds."""
+    path = build / name
+    if not path.exists():
+        sys.exit(f"{path} is missing: scripts/benchmark builds it.")
+    return path

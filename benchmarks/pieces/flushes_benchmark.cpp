@@ -12,26 +12,11 @@
 
 namespace {
 
-void MeasureFlushHashBatch(benchmark::State& state) {
-  const StoreConnection connection = ConnectSandboxServer(state);
-  if (!connection) return;
-  redisContext* context = connection.get();
-  const std::vector<QueueItem> items = MakeQueueItems(8);
-  unsigned result = 1;
-  while (state.KeepRunningBatch(kBatchItems)) {
-    state.PauseTiming();
-    EmptyServer(context);
-    result &= QueueFields(context, items);
-    state.ResumeTiming();
-    result &= FlushHashBatch(context);
-  }
-  Expect(result == 1 && AskForInteger(context, "DBSIZE") == kBatchItems / 8 &&
-             AskForInteger(context, "HLEN", items.back().key.c_str()) == 8,
-         "the server holds the hashes");
-}
-BENCHMARK(MeasureFlushHashBatch)->Name("FlushHashBatch")->UseRealTime();
+using Queue = unsigned (*)(redisContext*, const std::vector<QueueItem>&);
+using Flush = unsigned (*)(redisContext*);
 
-void MeasureFlushListBatch(benchmark::State& state) {
+// length is the command that tells how much a key of the kind holds.
+void MeasureFlushOfWrites(benchmark::State& state, Queue queue, Flush flush, const char* length) {
   const StoreConnection connection = ConnectSandboxServer(state);
   if (!connection) return;
   redisContext* context = connection.get();
@@ -40,15 +25,20 @@ void MeasureFlushListBatch(benchmark::State& state) {
   while (state.KeepRunningBatch(kBatchItems)) {
     state.PauseTiming();
     EmptyServer(context);
-    result &= QueueValues(context, items);
+    result &= queue(context, items);
     state.ResumeTiming();
-    result &= FlushListBatch(context);
+    result &= flush(context);
   }
   Expect(result == 1 && AskForInteger(context, "DBSIZE") == kBatchItems / 8 &&
-             AskForInteger(context, "LLEN", items.back().key.c_str()) == 8,
-         "the server holds the lists");
+             AskForInteger(context, length, items.back().key.c_str()) == 8,
+         "the server holds what was sent");
 }
-BENCHMARK(MeasureFlushListBatch)->Name("FlushListBatch")->UseRealTime();
+BENCHMARK_CAPTURE(MeasureFlushOfWrites, hashes, QueueFields, FlushHashBatch, "HLEN")
+    ->Name("FlushHashBatch")
+    ->UseRealTime();
+BENCHMARK_CAPTURE(MeasureFlushOfWrites, lists, QueueValues, FlushListBatch, "LLEN")
+    ->Name("FlushListBatch")
+    ->UseRealTime();
 
 // Everything that is to be removed is there.
 void MeasureFlushRemovalBatch(benchmark::State& state, RemovalKind kind, int items_per_key) {

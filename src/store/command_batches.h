@@ -14,12 +14,12 @@
 /// value; then for each hash in ascending byte order an "HDEL key field" for each field.
 ///
 /// All commands are appended before the first reply is read, and every reply is read even after a
-/// bad one, so that the connection stays in step. A long one is sent piece by piece meanwhile
-/// (pipeline.h). Returns 1 when every reply is an integer, 0
-/// included (there was nothing to remove), or nothing was pending. Prints "Failed to get reply\n"
-/// for each reply that cannot be read and, once, at the first bad reply, "Some errors occur while
-/// removing data from database\n" and "The data in database would be incorrect\n". The batch is
-/// empty afterwards in every case; what the server had already carried out stays carried out.
+/// bad one, so that the connection stays in step. A long pipeline is sent piece by piece meanwhile
+/// (pipeline.h). Returns 1 when every reply is an integer, 0 included (there was nothing to
+/// remove), or nothing was pending. Prints "Failed to get reply\n" for each reply that cannot be
+/// read and, once, at the first bad reply, "Some errors occur while removing data from database\n"
+/// and "The data in database would be incorrect\n". The batch is empty afterwards in every case;
+/// what the server had already carried out stays carried out.
 [[nodiscard]] unsigned FlushRemovalBatch(redisContext* context);
 
 /// Sends all of HashBatch, likewise: one "HSET key field value" per field, keys and fields in
