@@ -18,6 +18,7 @@
 #include "support/program.h"
 #include "support/sandbox.h"
 #include "support/scoped_variable.h"
+#include "support/temp_directory.h"
 
 namespace {
 
@@ -54,22 +55,6 @@ void CopyInOrder(const fs::path& from, const fs::path& to) {
     if (fs::is_directory(from / name)) CopyInOrder(from / name, to / name);
   }
 }
-
-// A folder on a tmpfs, which the sandbox's own directories need not be.
-class MemoryFolder {
- public:
-  MemoryFolder() {
-    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("cannot make " + path_);
-  }
-  ~MemoryFolder() { fs::remove_all(path_); }
-  MemoryFolder(const MemoryFolder&) = delete;
-  MemoryFolder& operator=(const MemoryFolder&) = delete;
-
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_ = "/dev/shm/ostrafel-guard.XXXXXX";
-};
 
 // Runs the program over the example tree. The figures of a test that is told to record are written
 // instead of being compared.
@@ -108,7 +93,7 @@ class Guard : public FaultTest {
   // Below the one directory whose path is the same in every sandbox: the length of a path counts.
   static constexpr const char* kTree = "/usr/local/nginx/www/rackmount";
 
-  MemoryFolder folder_;
+  TempDirectory folder_{"/dev/shm"};  // a tmpfs, which the sandbox's own directories need not be
 
   static std::vector<std::string> Arguments(const std::string& action) {
     return {action, kTree, "/redfish/v1"};

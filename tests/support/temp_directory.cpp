@@ -5,8 +5,9 @@
 #include <fstream>
 #include <stdexcept>
 
-TempDirectory::TempDirectory()
-    : path_((std::filesystem::temp_directory_path() / "ostrafel-test.XXXXXX").string()) {
+TempDirectory::TempDirectory() : TempDirectory(std::filesystem::temp_directory_path().string()) {}
+
+TempDirectory::TempDirectory(const std::string& parent) : path_(parent + "/ostrafel-test.XXXXXX") {
   if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("cannot make " + path_);
 }
 

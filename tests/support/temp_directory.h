@@ -6,7 +6,10 @@
 /// A directory of the test's own, removed with everything in it at the end.
 class TempDirectory {
  public:
+  /// Made in the directory for temporary files.
   TempDirectory();
+  /// Made in this directory.
+  explicit TempDirectory(const std::string& parent);
   ~TempDirectory();
   TempDirectory(const TempDirectory&) = delete;
   TempDirectory& operator=(const TempDirectory&) = delete;
