@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Writes a tree of Redfish resources that looks like a rack of servers, the same one every time."""
 
 import argparse

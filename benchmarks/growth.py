@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Measures what grows faster than the work: by itself, prints the tables; see measure."""
 
 import argparse

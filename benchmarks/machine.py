@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """What a figure was measured on and with."""
 
 import json

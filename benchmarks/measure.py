@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Measures whole runs of Ostrafel beside the floor and the alternatives, inside a sandbox.
 
 Every round runs each contender once, one after the other, on the same tree and on a store in the

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Draws the wall times of a run of measure.py, beside the floor, as SVG."""
 
 import argparse

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Runs of programs beside the sandbox's server, and what they took."""
 
 import os

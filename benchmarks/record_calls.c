@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Preloaded (LD_PRELOAD) into Ostrafel, records its calls of hiredis, in order, to the file that
 // OSTRAFEL_RECORDING names, so that replay.c can make the very same ones.
 //

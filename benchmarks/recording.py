@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Recordings of a run's calls of hiredis (record_calls.c): making, counting and converting them."""
 
 import os

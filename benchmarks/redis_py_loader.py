@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Loads a tree as Ostrafel does, in the way in which one would write that with redis-py: for the
 comparison of speed. The store that it makes of the trees here is the same."""
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The floor: what the two libraries cost. It finds the server with the shell pipeline of
 // src/connection/connection_config.cpp, reads the same files with jansson, through stdio as it is, and makes the same calls of hiredis as a
 // recorded run of Ostrafel (record_calls.c), and nothing else. No text is made, nothing is sorted,

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Writes the figures of a run of measure.py into a Markdown document.
 
 A table goes between the comments "<!-- begin NAME -->" and "<!-- end NAME -->"; what lies outside

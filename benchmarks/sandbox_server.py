@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """The sandbox's Redis server, as the measurements see it."""
 
 import contextlib

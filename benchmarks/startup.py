@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """What happens between the start of Ostrafel and its first command.
 
 A socket of ours takes the place of the server's, and the moment counts in which the first bytes

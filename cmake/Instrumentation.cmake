@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 # Sanitizers and coverage change every object file alike, so they are set for the whole build.
 if(OSTRAFEL_SANITIZERS)
   add_compile_options(-fsanitize=${OSTRAFEL_SANITIZERS} -fno-sanitize-recover=all

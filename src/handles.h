@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Owners of the C libraries' handles: every handle is released exactly once, on every path.
 #ifndef OSTRAFEL_HANDLES_H_
 #define OSTRAFEL_HANDLES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Queuing only: a batch is filled up to its limit and then thrown away, so no connection is needed.
 // The times are those of one item, a share of throwing the batch away included.
 #include <benchmark/benchmark.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Each flush of a full batch, against a server: from the first command that is formatted to the
 // last reply that is read. Queuing is not measured. The times are those of one item.
 #include <benchmark/benchmark.h>

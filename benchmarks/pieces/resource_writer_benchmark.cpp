@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // A create only queues until a batch is full, so the writing of a resource can be measured without
 // a connection: the document is written as one resource after the other while there is room in the
 // batches, which are then thrown away. The times are those of one resource.

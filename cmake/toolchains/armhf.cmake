@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 # 32-bit ARM with hardware floating point: Debian's cross compiler and libraries; programs run under
 # qemu-user.
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 # 32-bit x86, whose programs the kernel of an amd64 machine runs as they are.
 #
 # Debian's cross compiler and not -m32: g++-multilib cannot be installed beside the compilers for

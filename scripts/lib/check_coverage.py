@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Compares what was not covered with the list of exceptions.
 
 Usage: check_coverage.py GCOVR_JSON EXCEPTIONS

@@ -1,3 +1,6 @@
+-- SPDX-FileCopyrightText: 2026 The Ostrafel developers
+-- SPDX-License-Identifier: Apache-2.0
+
 -- Returns all that the server holds: a line "key, type, field or index, value" for every record,
 -- with tabs between. Keys and fields are sorted, what begins with "&&" last. Control characters and
 -- bytes that are not UTF-8 come as \xHH: no data can break a line or drive a terminal.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
 """Makes mutants of a C++ source: copies in which one operator, constant or statement is changed.
 
 Works on the tokens of the source as clang-format writes it, without comments and preprocessor

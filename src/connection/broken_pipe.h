@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_CONNECTION_BROKEN_PIPE_H_
 #define OSTRAFEL_CONNECTION_BROKEN_PIPE_H_
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the local Redis server listens and with what password, read from the server's own files.
 #ifndef OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_
 #define OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_

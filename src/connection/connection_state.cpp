@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #include "connection/connection_state.h"
 
 std::optional<ConnectionConfig> ConnectionConfigCopy;

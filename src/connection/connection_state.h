@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // All that the connection subsystem remembers during a run. One thread uses it.
 #ifndef OSTRAFEL_CONNECTION_CONNECTION_STATE_H_
 #define OSTRAFEL_CONNECTION_CONNECTION_STATE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The one connection of a run to the local Redis server.
 #ifndef OSTRAFEL_CONNECTION_STORE_CONNECTION_H_
 #define OSTRAFEL_CONNECTION_STORE_CONNECTION_H_

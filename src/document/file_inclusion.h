@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Inclusion: a root object whose "&&File" member names a file stands for that file's members.
 #ifndef OSTRAFEL_DOCUMENT_FILE_INCLUSION_H_
 #define OSTRAFEL_DOCUMENT_FILE_INCLUSION_H_

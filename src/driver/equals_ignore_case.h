@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_DRIVER_EQUALS_IGNORE_CASE_H_
 #define OSTRAFEL_DRIVER_EQUALS_IGNORE_CASE_H_
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Which files a run loads, and the key that each one's resource goes to.
 #ifndef OSTRAFEL_DRIVER_STATIC_DATA_WALK_H_
 #define OSTRAFEL_DRIVER_STATIC_DATA_WALK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes and removals go to the server in batches, each sent as one pipeline: a round trip for
 // every command would cost more than the command. What waits where: store_state.h.
 //

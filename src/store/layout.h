@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // How a resource lies in Redis. {"Name": "A", "Status": {"State": "on"}, "Fans": [3, {"x": true}],
 // "Chassis": {"@odata.id": "/c"}} at /r becomes
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Commands that travel together: appended one after the other, their replies read behind the last.
 #ifndef OSTRAFEL_STORE_PIPELINE_H_
 #define OSTRAFEL_STORE_PIPELINE_H_

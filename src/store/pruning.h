@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // An update merges new values into what is stored. Before a member is written again, what the store
 // still holds for it in an older shape is queued for removal: the field, the reference records, the
 // keys of the former object or array with all keys below them, and its links. Otherwise a member

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Asking the server and reading what it answers.
 #ifndef OSTRAFEL_STORE_REPLIES_H_
 #define OSTRAFEL_STORE_REPLIES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes JSON resources into the store, in the layout of layout.h. Records are queued in the
 // batches of command_batches.h; in an update (MergeMode) each member is pruned first (pruning.h).
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // All that the store remembers during a run. One thread uses it, without locks.
 #ifndef OSTRAFEL_STORE_STORE_STATE_H_
 #define OSTRAFEL_STORE_STORE_STATE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_STORE_TREE_REMOVAL_H_
 #define OSTRAFEL_STORE_TREE_REMOVAL_H_
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The stored text of a scalar JSON value.
 #ifndef OSTRAFEL_STORE_VALUE_RENDERING_H_
 #define OSTRAFEL_STORE_VALUE_RENDERING_H_

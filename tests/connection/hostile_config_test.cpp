@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Hostile lines of the server's configuration, given to the real shell pipeline: no text of the
 // file is ever run as a command, and whatever the line holds gives a directory or none.
 #include <gtest/gtest.h>

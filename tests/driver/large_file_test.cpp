@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Files that 32 bits cannot describe: larger than 4 GiB, or changed after January 2038. On a
 // machine whose long has 32 bits the system's calls refuse them unless they are asked for 64 bits.
 #include <fcntl.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // In this process, where a test of other processes only sees how they end.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Paths and keys of unusual form that a walk meets.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The connection breaks at every place of a run where it can.
 //
 // A cut is made over a Unix socket or TCP, and by FIN or RST. By default the four take turns from

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Memory that runs out, at each allocation in its turn. The commonest end is that of the C++
 // library: nothing of the program takes std::bad_alloc.
 #include <string>

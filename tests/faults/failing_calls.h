@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The test's side of the preloaded library: interposer/plan.h.
 #ifndef OSTRAFEL_TESTS_FAULTS_FAILING_CALLS_H_
 #define OSTRAFEL_TESTS_FAULTS_FAILING_CALLS_H_

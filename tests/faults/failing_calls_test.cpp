@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Calls of the system and of stdio that fail, each in its turn.
 #include <fcntl.h>
 #include <unistd.h>

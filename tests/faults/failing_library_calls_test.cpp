@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Failures that no file, no document and no server can bring about, each with what follows from it.
 #include <string>
 

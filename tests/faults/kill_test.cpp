@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The program is killed at any moment. What it had sent reaches the store; the next create makes
 // the store that of a load that nothing disturbed.
 #include <csignal>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Texts and lists that the C++ library calls too long. Only where something is listed, queued or
 // removed does the program say so itself; while a resource is written the driver says it; anywhere
 // else it ends the process.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // A long pipeline is written piece by piece while it is formatted, so that the server works
 // meanwhile. Nothing else must change by that.
 #include <algorithm>

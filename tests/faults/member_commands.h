@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The commands by which an update replaces the member A of /r by an array, as a Scenario writes
 // them. A is or was stored at &&/r/A.
 #ifndef OSTRAFEL_TESTS_FAULTS_MEMBER_COMMANDS_H_

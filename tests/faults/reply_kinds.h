@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What a server can answer to a command, right and wrong, as bytes.
 #ifndef OSTRAFEL_TESTS_FAULTS_REPLY_KINDS_H_
 #define OSTRAFEL_TESTS_FAULTS_REPLY_KINDS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Tables that state what every answer to one command makes of a run.
 #ifndef OSTRAFEL_TESTS_FAULTS_REPLY_TABLE_H_
 #define OSTRAFEL_TESTS_FAULTS_REPLY_TABLE_H_

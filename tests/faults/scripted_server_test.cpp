@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The server of these tests is itself tested: with a client of the test's own, and with the
 // program.
 #include "support/scripted_server.h"

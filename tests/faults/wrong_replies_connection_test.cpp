@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Every answer to AUTH, KEYS and DEL: what comes before the first file is read.
 #include <string>
 

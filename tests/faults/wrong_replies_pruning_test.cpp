@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Every answer to TYPE, LINDEX and HEXISTS: what an update asks about a member before it writes it.
 #include <string>
 

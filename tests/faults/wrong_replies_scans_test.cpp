@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Every answer to SCAN and HSCAN, on the first page and on a later one, and every form of a cursor.
 #include <string>
 #include <utility>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Every answer to UNLINK, LREM, HDEL, HSET and RPUSH: the pipelines at the end of a run. The
 // command in question is always the first of its pipeline, whose other commands are on their way
 // already.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Memory for what checks the program. AddressSanitizer's allocator takes most of the time of a run,
 // and the model and the servers allocate more than the program does. Their memory comes from an
 // arena that is emptied as a whole; the program's own keeps coming from the sanitizer.

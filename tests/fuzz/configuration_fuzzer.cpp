@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What the program finds of the server's configuration. The input is a sequence of records parted
 // by the byte 0x1E:
 //   1. what the shell's pipeline prints: the runtime directory. The shell itself is too slow to be

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Documents against a server in memory. The input is a sequence of records parted by the byte 0x1E
 // (RS, which no JSON text holds). A record that begins with
 //   c, C  is a document that a create loads to /r, or to /r/

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What the fuzz targets share.
 #ifndef OSTRAFEL_TESTS_FUZZ_FUZZ_TARGET_H_
 #define OSTRAFEL_TESTS_FUZZ_FUZZ_TARGET_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The machine that the program meets in a fuzz target: files, the shell behind popen and the
 // server's end of the connection are all in memory. The calls that reach for the real ones are
 // redirected with the linker's --wrap (kept in CMakeLists.txt), so that a run costs hardly a system

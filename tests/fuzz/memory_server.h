@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Both ends of the protocol in memory: a server that works on a model::Store, and one that answers
 // with given bytes.
 #ifndef OSTRAFEL_TESTS_FUZZ_MEMORY_SERVER_H_

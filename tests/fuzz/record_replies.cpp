@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes the seeds of replies_fuzzer that need no imagination into a folder: the answers of a
 // server in memory to each of the runs, over an empty store, over what the run itself has stored,
 // and over a store that holds every member in another shape.

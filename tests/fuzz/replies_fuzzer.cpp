@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Bytes as what the server answers to a whole run. The first byte of the input selects the run, the
 // rest are the answers:
 //   0x01        create instead of update

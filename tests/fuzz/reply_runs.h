@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The runs whose server is fuzzed.
 #ifndef OSTRAFEL_TESTS_FUZZ_REPLY_RUNS_H_
 #define OSTRAFEL_TESTS_FUZZ_REPLY_RUNS_H_

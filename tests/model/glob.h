@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_TESTS_MODEL_GLOB_H_
 #define OSTRAFEL_TESTS_MODEL_GLOB_H_
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_TESTS_PERFORMANCE_COUNTED_RUN_H_
 #define OSTRAFEL_TESTS_PERFORMANCE_COUNTED_RUN_H_
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What the guarded runs cost, and the file in the repository that says what they may cost.
 #ifndef OSTRAFEL_TESTS_PERFORMANCE_FIGURES_H_
 #define OSTRAFEL_TESTS_PERFORMANCE_FIGURES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Preloaded into the program that is counted: jansson seeds its hash tables at random, and with
 // another seed other members collide, which is worth some 0.3 % of the instructions.
 #include <jansson.h>

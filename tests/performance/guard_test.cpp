@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The program must not become slower unnoticed. Two runs are counted, not timed: instructions,
 // commands and round trips are the same on a busy machine as on an idle one.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // A server that leaves while a long pipeline is on its way to it. What it has answered counts.
 #include "store/pipeline.h"
 

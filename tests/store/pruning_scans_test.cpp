@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The searches that pruning makes, and the memory of what was searched.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Reals against arithmetic on decimal digits. A processor that calculates with more than the 64
 // bits of a double (the x87 unit of 32-bit PCs) must store the same bytes as any other; the
 // expectations are made of integers only, so that no such unit takes part in them.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What an update removes depends on the shape that a member had and on the one that it gets.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The accepting side of a connection, seen a whole flight at a time.
 #ifndef OSTRAFEL_TESTS_SUPPORT_FLIGHT_LISTENER_H_
 #define OSTRAFEL_TESTS_SUPPORT_FLIGHT_LISTENER_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs a program as a person would, and keeps what it printed.
 #ifndef OSTRAFEL_TESTS_SUPPORT_PROCESS_H_
 #define OSTRAFEL_TESTS_SUPPORT_PROCESS_H_

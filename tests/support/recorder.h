@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // A proxy between one client and the real server that sees every command and reply, in order, and
 // which of them travelled together.
 #ifndef OSTRAFEL_TESTS_SUPPORT_RECORDER_H_

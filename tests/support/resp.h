@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The Redis protocol (RESP 2) as bytes, both ways, for what sits between a client and a server.
 #ifndef OSTRAFEL_TESTS_SUPPORT_RESP_H_
 #define OSTRAFEL_TESTS_SUPPORT_RESP_H_

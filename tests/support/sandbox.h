@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The private world that scripts/sandbox makes: a server, its configuration and runtime files, the
 // include directory. Test programs that need it link sandbox_main.cpp, which starts them in one.
 #ifndef OSTRAFEL_TESTS_SUPPORT_SANDBOX_H_

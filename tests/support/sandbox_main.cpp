@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Starts the test program anew inside scripts/sandbox, unless it is there already or only lists its
 // tests. Everything that the tests touch is then their own.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_TESTS_SUPPORT_SCOPED_SETTING_H_
 #define OSTRAFEL_TESTS_SUPPORT_SCOPED_SETTING_H_
 

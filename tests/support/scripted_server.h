@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // A Redis server that does what a test says and a real one will not do on demand.
 #ifndef OSTRAFEL_TESTS_SUPPORT_SCRIPTED_SERVER_H_
 #define OSTRAFEL_TESTS_SUPPORT_SCRIPTED_SERVER_H_

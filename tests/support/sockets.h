@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Stream sockets for the servers that stand in for Redis. Failures throw std::runtime_error.
 #ifndef OSTRAFEL_TESTS_SUPPORT_SOCKETS_H_
 #define OSTRAFEL_TESTS_SUPPORT_SOCKETS_H_

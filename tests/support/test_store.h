@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The real server, seen past the program under test.
 #ifndef OSTRAFEL_TESTS_SUPPORT_TEST_STORE_H_
 #define OSTRAFEL_TESTS_SUPPORT_TEST_STORE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What an action does before anything is loaded, and how a run ends.
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // When the batches of a run are sent, in which order, and what a failed one leaves behind.
 #include <string>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Trees that somebody else changes while they are loaded.
 #include <fcntl.h>
 #include <unistd.h>

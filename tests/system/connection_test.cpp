@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // How the program finds its server and what it says when it does not.
 #include <optional>
 #include <string>

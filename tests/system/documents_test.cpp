@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What files hold, and the key that a root object chooses.
 #include <fcntl.h>
 #include <poll.h>

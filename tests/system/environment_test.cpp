@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What the program inherits: variables, a locale, descriptors.
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Names, texts and numbers that a document may hold and that something on the way could take for
 // more than data.
 #include <string>

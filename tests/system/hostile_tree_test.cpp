@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Folders, files and links that a tree of static data may hold and should not.
 #include <sys/socket.h>
 #include <sys/stat.h>

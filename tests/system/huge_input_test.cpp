@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Documents at the limits of the parser and beyond any sensible size.
 #include <sys/resource.h>
 #include <unistd.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Trees of many folders, and of folders so deep that their paths have no room left.
 #include <fcntl.h>
 #include <sys/stat.h>

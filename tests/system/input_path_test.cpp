@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // From the path and the file name to the keys that are written.
 #include <linux/capability.h>
 #include <sys/prctl.h>

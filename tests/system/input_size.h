@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // How much is asked of the program under test, by what it is built with and run under.
 #ifndef OSTRAFEL_TESTS_SYSTEM_INPUT_SIZE_H_
 #define OSTRAFEL_TESTS_SYSTEM_INPUT_SIZE_H_

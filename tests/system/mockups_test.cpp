@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Published Redfish trees, where they are at hand: each folder of REDFISH_MOCKUPS is one tree.
 #include <algorithm>
 #include <cstdlib>

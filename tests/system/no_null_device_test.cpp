@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // A machine without /dev/null.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Random trees, created and updated in random sequences, beside the model.
 #include <cstdint>
 #include <random>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // What an update makes of a store that an earlier run filled.
 #include <algorithm>
 #include <map>

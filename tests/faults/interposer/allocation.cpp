@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Memory. The C++ library's operator new calls malloc, and so do the C library's own functions
 // (fopen, opendir, popen, getaddrinfo), so that every need of memory is counted here.
 //

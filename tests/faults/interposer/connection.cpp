@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The calls that hiredis makes for its connection.
 #include <sys/socket.h>
 #include <unistd.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef OSTRAFEL_TESTS_FAULTS_INTERPOSER_CRASH_REPORT_H_
 #define OSTRAFEL_TESTS_FAULTS_INTERPOSER_CRASH_REPORT_H_
 

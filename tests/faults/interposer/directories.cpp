@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Directories and what is in them. A program has one of the forms of each call, according to the
 // sizes of file numbers and times that it is built with.
 #include <dirent.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // The start of main. What happens after its end, such as the writing of coverage figures by exit
 // handlers, is no part of the run.
 #include "faults/interposer/next.h"

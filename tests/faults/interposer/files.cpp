@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Files: opening them, and reading and writing them through stdio.
 #include <fcntl.h>
 

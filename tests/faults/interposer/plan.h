@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
 // Which call is to fail, and how many calls there were.
 //
 // The library is preloaded (LD_PRELOAD) into the program under test, stands in front of the
