@@ -14,7 +14,9 @@
 #include "connection/broken_pipe.h"
 #include "connection/store_connection.h"
 #include "store/command_batches.h"
+#include "store/pruning.h"
 #include "store/store_state.h"
+#include "store/tree_removal.h"
 #include "support/sockets.h"
 #include "support/temp_directory.h"
 
@@ -38,15 +40,15 @@ class BrokenPipeline : public testing::Test {
   BrokenPipeline() {
     SurviveBrokenPipe();
     ResetStoreState();
-    const std::string value(1000, 'v');
     for (int i = 0; i < kValues; ++i) {
-      EXPECT_EQ(PutListItem(nullptr, "key", value.c_str()), 1U);
+      EXPECT_EQ(PutListItem(nullptr, "key", value_.c_str()), 1U);
     }
   }
   ~BrokenPipeline() override { ResetStoreState(); }
 
   // What flushing prints when the server reads this much, answers so and leaves.
-  std::string FlushTo(std::size_t bytes_read, const std::string& answer) {
+  std::string FlushTo(std::size_t bytes_read, const std::string& answer,
+                      unsigned (*flush)(redisContext*) = FlushListBatch) {
     const std::string path = directory_.path("server.sock");
     const int listener = ListenOnUnixSocket(path);
     const StoreConnection connection(redisConnectUnix(path.c_str()));
@@ -59,12 +61,14 @@ class BrokenPipeline : public testing::Test {
     });
     if (bytes_read == 0) server.join();
     testing::internal::CaptureStderr();
-    EXPECT_EQ(FlushListBatch(connection.get()), 0U);
+    EXPECT_EQ(flush(connection.get()), 0U);
     std::string printed = testing::internal::GetCapturedStderr();
     if (server.joinable()) server.join();
     (void)close(listener);
     return printed;
   }
+
+  const std::string value_ = std::string(1000, 'v');
 
  private:
   TempDirectory directory_;
@@ -82,6 +86,31 @@ TEST_F(BrokenPipeline, ABadAnswerIsReportedBeforeTheMissingOnes) {
 
 TEST_F(BrokenPipeline, WithoutAServerEveryAnswerIsMissing) {
   EXPECT_TRUE(FlushTo(0, "") == Repeated(kNoReply, kValues));
+}
+
+TEST_F(BrokenPipeline, OfFieldsEveryAnswerThatCameIsRead) {
+  for (int i = 0; i < kValues; ++i) {
+    EXPECT_EQ(PutHashField(nullptr, "key", std::to_string(i).c_str(), value_.c_str()), 1U);
+  }
+  EXPECT_TRUE(FlushTo(100000, ":1\r\n:1\r\n", FlushHashBatch) == Repeated(kNoReply, kValues - 2));
+  EXPECT_TRUE(HashBatch.empty());
+}
+
+TEST_F(BrokenPipeline, OfRemovalsEveryAnswerThatCameIsRead) {
+  for (int i = 0; i < kValues; ++i) {
+    EXPECT_EQ(QueueRemoval(nullptr, value_ + std::to_string(i), "", RemoveKey), 1U);
+  }
+  EXPECT_TRUE(FlushTo(100000, ":1\r\n:1\r\n", FlushRemovalBatch) ==
+              Repeated(kNoReply, kValues - 2));
+  EXPECT_TRUE(RemovalBatch.keys.empty());
+}
+
+TEST_F(BrokenPipeline, OfDeletionsEndsTheRemovalOfATree) {
+  const std::string key = "$" + std::to_string(value_.size()) + "\r\n" + value_ + "\r\n";
+  const std::string keys = "*" + std::to_string(kValues) + "\r\n" + Repeated(key.c_str(), kValues);
+  EXPECT_EQ(
+      FlushTo(1, keys, [](redisContext* context) { return RemoveResourceTree(context, "/r"); }),
+      kNoReply);
 }
 
 }  // namespace
