@@ -1,0 +1,21 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
+# What people install is tested where an installation puts it, not in the build folder.
+
+set(installed ${PROJECT_BINARY_DIR}/installed)
+add_test(NAME installation COMMAND sh -c
+  "rm -rf '${installed}' && '${CMAKE_COMMAND}' --install '${PROJECT_BINARY_DIR}' --prefix '${installed}'")
+set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation)
+
+foreach(script
+    service/publish_test
+    service/reading_test
+    service/units_test)
+  string(REPLACE "/" "." name ${script})
+  add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/tests/${script})
+  set_tests_properties(${name} PROPERTIES
+    FIXTURES_REQUIRED installation
+    ENVIRONMENT OSTRAFEL_INSTALLED=${installed}
+    TIMEOUT 600)
+endforeach()
