@@ -9,6 +9,7 @@ add_test(NAME installation COMMAND sh -c
 set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation)
 
 foreach(script
+    man/manual_test
     service/publish_test
     service/reading_test
     service/units_test)
