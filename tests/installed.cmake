@@ -9,6 +9,8 @@ add_test(NAME installation COMMAND sh -c
 set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation)
 
 foreach(script
+    completion/bash_test
+    completion/zsh_test
     man/manual_test
     service/publish_test
     service/reading_test

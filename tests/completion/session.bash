@@ -1,0 +1,176 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # dollars in single quotes are for the shell that is typed at
+
+# For the tests of completion: a real interactive shell on a terminal of its own, to which keys are
+# typed. What it completes is seen in what a command then gets as its arguments: Ostrafel is a
+# function there that writes them down.
+
+work=$(mktemp -d)
+completed='' session_pid=''
+end() {
+  [[ ! $session_pid ]] || kill "$session_pid" 2>/dev/null || :
+  rm -rf -- "${work:?}"
+  [[ ! $completed ]] || return 0
+  printf 'not ok - %s failed, or the tests broke off\n' "$failures"
+  exit 1
+}
+trap end EXIT
+
+failures=0 world=''
+# check DESCRIPTION COMMAND...: the command says whether all is well.
+check() {
+  local description=$1
+  shift
+  if "$@"; then
+    printf 'ok - %s: %s\n' "$world" "$description"
+  else
+    printf 'not ok - %s: %s\n' "$world" "$description"
+    failures=$((failures + 1))
+  fi
+}
+
+equal() {
+  [[ $1 == "$2" ]] || {
+    printf '#   is:        %q\n#   should be: %q\n' "$1" "$2"
+    return 1
+  }
+}
+
+# The folder of the cases: trees and files with names and contents of all kinds.
+make_folder() {
+  local folder=$1
+  mkdir -p "$folder"/{tree/Systems/Node1,overlay/Systems/Node1,'my tree'/Systems,empty,bare,odd,.hidden}
+  mkdir -p "$folder"/{"it's \"\$odd\"",a:b/c,nested/v1}
+  # The first "@odata.id" is another object's, and a text has one in it.
+  printf '\xEF\xBB\xBF{\n"Links": {"Up": {"@odata.id": "/wrong"}, "L": [{"@odata.id": "/wrong"}]},
+    "Text": "\\"@odata.id\\": \\"/wrong\\"",\n "@odata.id"\n:\n"/redfish/v2", "A": 1}\n' \
+    >"$folder/tree/index.json"
+  echo '{"@odata.id": "/redfish/v2/Systems"}' >"$folder/tree/Systems/index.json"
+  echo '{"@odata.id":"/redfish/v2/Systems/Node1"}' >"$folder/tree/Systems/Node1/index.json"
+  echo '{}' >"$folder/tree/Systems/Node1/Patch.JSON"
+  echo '{}' >"$folder/tree/Systems/other file.json"
+  # Only a file further down tells.
+  echo '{"@odata.id":"\/site\/v3\/Systems\/Node1\/","A":1}' >"$folder/overlay/Systems/Node1/index.json"
+  printf '{"@odata.id": "/with blank/$(touch %s/ran)`touch %s/ran`'"'"'x", "A": 1}\n' "$folder" "$folder" \
+    >"$folder/odd/index.json"
+  echo '{"@odata.id": "/my/tree", "B": 2}' >"$folder/my tree/index.json"
+  echo '{"@odata.id": "/redfish/v1/", "B": 2}' >"$folder/nested/v1/index.json"
+  echo '{"v1": "/redfish/v1/"}' >"$folder/nested/index.json"
+  echo '{"@odata.id": "/single/file", "C": 3}' >"$folder/single.json"
+  echo '[{"@odata.id": "/wrong"}]' >"$folder/bare/index.json"
+  echo '{"@odata.id": "/colon"}' >"$folder/a:b/c/index.json"
+  echo '{"@odata.id": "/quotes"}' >"$folder/it's \"\$odd\"/index.json"
+  echo '{"@odata.id": "/hidden"}' >"$folder/.hidden/index.json"
+  printf '{"@odata.id": "/a\\nb", "D": 1}\n' >"$folder/UPPER.JSON"
+  echo 'not for Ostrafel' >"$folder/notes.txt"
+}
+
+# Polls for up to 20 seconds.
+eventually() {
+  local deadline=$((SECONDS + 20))
+  until "$@"; do
+    ((SECONDS < deadline)) || return 1
+    sleep 0.02
+  done
+}
+
+# start_session COMMAND: starts a shell. What it says is in $work/typescript.
+start_session() {
+  rm -f "$work/keys"
+  mkfifo "$work/keys"
+  TERM=dumb script -qefc "$1" "$work/typescript" <"$work/keys" >/dev/null 2>&1 &
+  session_pid=$!
+  exec {keys}>"$work/keys"
+}
+
+end_session() {
+  printf '\025exit\n' >&"$keys"
+  exec {keys}>&-
+  wait "$session_pid" || :
+  session_pid=''
+}
+
+# type_line LINE: types it, with what stands for keys in it, and a line end. Then $typed holds the
+# arguments that the command got, each in angle brackets.
+type_line() {
+  local line=$1
+  typed='(nothing)'
+  rm -f "$work/arguments"
+  line=${line//'<TAB>'/$'\t'}
+  line=${line//'<ALL>'/$all_key}
+  printf '%s\n' "$line" >&"$keys"
+  if eventually test -e "$work/arguments"; then
+    typed=$(<"$work/arguments")
+  else
+    printf '\003\025\n' >&"$keys"  # out of an open quote
+    printf '#   the terminal shows:\n'
+    tail -n 5 "$work/typescript" | tr -d '\r\a\033' | sed 's/^/#   /'
+  fi
+}
+
+# run_cases TABLE: each line of the table holds what is typed and, behind =>, the arguments. Lines
+# that begin with # are comments.
+run_cases() {
+  local line
+  while IFS= read -r line; do
+    [[ $line && $line != '#'* ]] || continue
+    type_line "${line%% => *}"
+    check "${line%% => *}" equal "$typed" "${line#* => }"
+  done <<<"$1"
+}
+
+# What every shell must do. <TAB> completes; <ALL> puts in all that is offered.
+readonly common_cases='
+Ostrafel C<TAB> => <create>
+Ostrafel up<TAB> => <update>
+Ostrafel CREATE<TAB> => <create>
+Ostrafel x<TAB> => <x>
+Ostrafel <ALL> => <create><update>
+# Paths: folders and .json files, and nothing else.
+Ostrafel create tr<TAB> => <create><tree/>
+Ostrafel create tree/Sys<TAB>N<TAB>P<TAB> => <create><tree/Systems/Node1/Patch.JSON>
+Ostrafel create UPP<TAB> => <create><UPPER.JSON>
+Ostrafel create not<TAB> => <create><not>
+Ostrafel create my<TAB> => <create><my tree/>
+Ostrafel create my\ tr<TAB>Sys<TAB> => <create><my tree/Systems/>
+Ostrafel create it<TAB>in<TAB> => <create><it'"'"'s "$odd"/index.json>
+Ostrafel create ./si<TAB> => <create><./single.json>
+Ostrafel create .hid<TAB>ind<TAB> => <create><.hidden/index.json>
+Ostrafel create tree/Systems/<ALL> => <create><tree/Systems/Node1><tree/Systems/index.json><tree/Systems/other file.json>
+# URIs: what the tree says.
+Ostrafel create tree <TAB> => <create><tree></redfish/v2>
+Ostrafel create tree/ /red<TAB> => <create><tree/></redfish/v2>
+Ostrafel create tree "/red<TAB> => <create><tree></redfish/v2>
+Ostrafel create tree /no<TAB> => <create><tree></no>
+Ostrafel create tree/Systems <TAB> => <create><tree/Systems></redfish/v2/Systems>
+Ostrafel create overlay <TAB> => <create><overlay></site/v3>
+Ostrafel create nested <TAB> => <create><nested></redfish>
+Ostrafel create my\ tree <TAB> => <create><my tree></my/tree>
+Ostrafel create "my tree" <TAB> => <create><my tree></my/tree>
+Ostrafel create "$FOLDER/tree" <TAB> => <create><@FOLDER@/tree></redfish/v2>
+Ostrafel create "${FOLDER}/tree" <TAB> => <create><@FOLDER@/tree></redfish/v2>
+Ostrafel create ~/tree <TAB> => <create><@FOLDER@/tree></redfish/v2>
+Ostrafel update single.json <TAB> => <update><single.json></single/file>
+Ostrafel update tree/Systems/Node1/index.json <TAB> => <update><tree/Systems/Node1/index.json></redfish/v2/Systems/Node1>
+Ostrafel create a:b/c <TAB> => <create><a:b/c></colon>
+# Nothing to be read: where Redfish begins.
+Ostrafel create empty <TAB> => <create><empty></redfish/v1>
+Ostrafel create bare <TAB> => <create><bare></redfish/v1>
+Ostrafel create none <TAB> => <create><none></redfish/v1>
+Ostrafel create UPPER.JSON <TAB> => <create><UPPER.JSON></redfish/v1>
+# Texts from files are quoted, not run.
+Ostrafel create odd <TAB> => <create><odd></with blank/$(touch @FOLDER@/ran)`touch @FOLDER@/ran`'"'"'x>
+Ostrafel create odd "/wi<TAB> => <create><odd></with blank/$(touch @FOLDER@/ran)`touch @FOLDER@/ran`'"'"'x>
+# File names: of a folder only.
+Ostrafel update tree / <ALL> => <update><tree></><Patch.JSON><index.json><other file.json>
+Ostrafel update tree / Pa<TAB> => <update><tree></><Patch.JSON>
+Ostrafel update tree / oth<TAB> => <update><tree></><other file.json>
+Ostrafel update "my tree" /my ind<TAB> => <update><my tree></my><index.json>
+Ostrafel update single.json / ind<TAB> => <update><single.json></><ind>
+Ostrafel update tree / index.json ind<TAB> => <update><tree></><index.json><ind>
+'
+
+# The common cases for a folder.
+cases_in() { printf '%s' "${common_cases//'@FOLDER@'/$1}"; }
