@@ -20,5 +20,6 @@ foreach(script
   set_tests_properties(${name} PROPERTIES
     FIXTURES_REQUIRED installation
     ENVIRONMENT OSTRAFEL_INSTALLED=${installed}
+    SKIP_REGULAR_EXPRESSION "everything # SKIP"
     TIMEOUT 600)
 endforeach()
