@@ -13,17 +13,6 @@
 
 namespace {
 
-using Environment = std::vector<std::pair<std::string, std::string>>;
-
-// What the next child gets: a child's own preparation takes no arguments.
-Environment next_environment;
-void (*next_preparation)() = nullptr;
-
-void PrepareChild() {
-  for (const auto& [name, value] : next_environment) (void)setenv(name.c_str(), value.c_str(), 1);
-  if (next_preparation != nullptr) next_preparation();
-}
-
 std::string FromEnvironment(const char* name) {
   const char* value = std::getenv(name);
   return value == nullptr ? "" : value;
@@ -37,16 +26,15 @@ std::string SanitizerOptions() {
 
 RunOptions Preload(const FailingCalls& failing, const std::string& report_path,
                    void (*in_child)()) {
-  next_environment = {{"LD_PRELOAD", OSTRAFEL_FAILING_CALLS_LIBRARY},
-                      {"ASAN_OPTIONS", SanitizerOptions()},
-                      {"OSTRAFEL_FAILING_CALL", failing.call},
-                      {"OSTRAFEL_FAILING_INDEX", std::to_string(failing.first)},
-                      {"OSTRAFEL_FAILING_MODE", failing.is_onwards ? "onwards" : "once"},
-                      {"OSTRAFEL_FAILING_ERRNO", std::to_string(failing.error)},
-                      {"OSTRAFEL_FAILING_REPORT", report_path}};
-  next_preparation = in_child;
   RunOptions options;
-  options.in_child = PrepareChild;
+  options.environment = {{"LD_PRELOAD", OSTRAFEL_FAILING_CALLS_LIBRARY},
+                         {"ASAN_OPTIONS", SanitizerOptions()},
+                         {"OSTRAFEL_FAILING_CALL", failing.call},
+                         {"OSTRAFEL_FAILING_INDEX", std::to_string(failing.first)},
+                         {"OSTRAFEL_FAILING_MODE", failing.is_onwards ? "onwards" : "once"},
+                         {"OSTRAFEL_FAILING_ERRNO", std::to_string(failing.error)},
+                         {"OSTRAFEL_FAILING_REPORT", report_path}};
+  options.in_child = in_child;
   return options;
 }
 

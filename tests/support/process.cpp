@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <set>
 #include <stdexcept>
 
 namespace {
@@ -27,14 +28,38 @@ PipeEnds MakePipe() {
   return {ends[0], ends[1]};
 }
 
-[[noreturn]] void BecomeProgram(char* const* argv, int out, int err, const RunOptions& options) {
+// Texts as execve takes them; they must stay where they are.
+std::vector<char*> Pointers(const std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+std::vector<std::string> EnvironmentWith(
+    const std::vector<std::pair<std::string, std::string>>& variables) {
+  std::vector<std::string> environment;
+  std::set<std::string> names;
+  for (const auto& [name, value] : variables) {
+    environment.push_back(name + "=" + value);
+    names.insert(name);
+  }
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string text = *entry;
+    if (names.count(text.substr(0, text.find('='))) == 0) environment.push_back(text);
+  }
+  return environment;
+}
+
+[[noreturn]] void BecomeProgram(char* const* argv, char* const* environment, int out, int err,
+                                const RunOptions& options) {
   const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
   (void)dup2(nothing, STDIN_FILENO);
   (void)dup2(out, STDOUT_FILENO);
   (void)dup2(err, STDERR_FILENO);
   (void)signal(SIGPIPE, SIG_DFL);
   if (options.in_child != nullptr) options.in_child();
-  (void)execv(argv[0], argv);
+  (void)execve(argv[0], argv, environment);
   _exit(127);
 }
 
@@ -63,14 +88,14 @@ bool Collect(int out, int err, std::chrono::seconds time_limit, Finished* finish
 }  // namespace
 
 Finished RunProgram(const std::vector<std::string>& arguments, const RunOptions& options) {
-  std::vector<char*> argv;
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
+  const std::vector<char*> argv = Pointers(arguments);
+  const std::vector<std::string> variables = EnvironmentWith(options.environment);
+  const std::vector<char*> environment = Pointers(variables);
   const PipeEnds out = MakePipe();
   const PipeEnds err = MakePipe();
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("cannot fork");
-  if (child == 0) BecomeProgram(argv.data(), out.write, err.write, options);
+  if (child == 0) BecomeProgram(argv.data(), environment.data(), out.write, err.write, options);
   (void)close(out.write);
   (void)close(err.write);
   if (options.on_start) options.on_start(child);

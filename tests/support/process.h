@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct Finished {
@@ -21,7 +22,11 @@ struct RunOptions {
   std::chrono::seconds time_limit = std::chrono::minutes(1);
   /// Called with the process id as soon as the process exists.
   std::function<void(int process_id)> on_start;
-  /// Run in the child before the program, for example to give up a privilege.
+  /// Variables that the program gets beside the test's own, or in their place.
+  std::vector<std::pair<std::string, std::string>> environment;
+  /// Run in the child before the program, for example to give up a privilege. Tests have threads,
+  /// any of which may have held a lock when the child was made: this may call nothing that takes
+  /// one.
   void (*in_child)() = nullptr;
 };
 
