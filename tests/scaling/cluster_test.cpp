@@ -57,6 +57,13 @@ class ClusterNodes : public ScalingTest {
     return start + std::to_string(number);
   }
 
+  // The node gives this answer to some command of a create, which then fails and leaves this.
+  void ExpectRefusedCreate(const char* answer, const std::string& left) {
+    ExpectFailureOn(node, create, kHashFailure);
+    EXPECT_TRUE(WasReplied(answer));
+    EXPECT_EQ(node.store().Dump(), left);
+  }
+
   RedisNode node{ClusterSettings()};
 };
 
@@ -75,17 +82,13 @@ TEST_F(ClusterNodes, OwningEverySlotAreAsAPlainServer) {
 
 TEST_F(ClusterNodes, WithoutSlotsStoreNothing) {
   ExpectInfo(node, "cluster_state:fail");
-  ExpectFailureOn(node, create, kHashFailure);
-  EXPECT_TRUE(WasReplied("CLUSTERDOWN Hash slot not served"));
-  EXPECT_EQ(node.store().Dump(), "");
+  ExpectRefusedCreate("CLUSTERDOWN Hash slot not served", "");
 }
 
 TEST_F(ClusterNodes, WithSlotsThatNobodyOwnsStoreNothing) {
   Assign(node, 0, kFirstSlotOfSecondHalf - 1);
   ExpectInfo(node, "cluster_slots_ok:8192");
-  ExpectFailureOn(node, create, kHashFailure);
-  EXPECT_TRUE(WasReplied("CLUSTERDOWN The cluster is down"));
-  EXPECT_EQ(node.store().Dump(), "");
+  ExpectRefusedCreate("CLUSTERDOWN The cluster is down", "");
 }
 
 TEST_F(ClusterNodes, ContentWithTheirOwnSlotsStoreTheirOwnHashes) {
@@ -93,9 +96,7 @@ TEST_F(ClusterNodes, ContentWithTheirOwnSlotsStoreTheirOwnHashes) {
   ASSERT_EQ(node.store().Run("CONFIG | SET | cluster-require-full-coverage | no").text, "OK");
   ExpectInfo(node, "cluster_state:ok");
   const std::string half = FirstHalfOfCreatedHashes();
-  ExpectFailureOn(node, create, kHashFailure);
-  EXPECT_TRUE(WasReplied("CLUSTERDOWN Hash slot not served"));
-  EXPECT_EQ(node.store().Dump(), half);
+  ExpectRefusedCreate("CLUSTERDOWN Hash slot not served", half);
 }
 
 // Two nodes that own half of the slots each.
