@@ -7,35 +7,14 @@
 # typed. What it completes is seen in what a command then gets as its arguments: Ostrafel is a
 # function there that writes them down.
 
+# shellcheck source-path=SCRIPTDIR source=../support/checks.bash
+. "${BASH_SOURCE[0]%/*}/../support/checks.bash"
+
 work=$(mktemp -d)
-completed='' session_pid=''
-end() {
+session_pid=''
+clean_up() {
   [[ ! $session_pid ]] || kill "$session_pid" 2>/dev/null || :
   rm -rf -- "${work:?}"
-  [[ ! $completed ]] || return 0
-  printf 'not ok - %s failed, or the tests broke off\n' "$failures"
-  exit 1
-}
-trap end EXIT
-
-failures=0 world=''
-# check DESCRIPTION COMMAND...: the command says whether all is well.
-check() {
-  local description=$1
-  shift
-  if "$@"; then
-    printf 'ok - %s: %s\n' "$world" "$description"
-  else
-    printf 'not ok - %s: %s\n' "$world" "$description"
-    failures=$((failures + 1))
-  fi
-}
-
-equal() {
-  [[ $1 == "$2" ]] || {
-    printf '#   is:        %q\n#   should be: %q\n' "$1" "$2"
-    return 1
-  }
 }
 
 # The folder of the cases: trees and files with names and contents of all kinds.
@@ -65,15 +44,6 @@ make_folder() {
   echo '{"@odata.id": "/hidden"}' >"$folder/.hidden/index.json"
   printf '{"@odata.id": "/a\\nb", "D": 1}\n' >"$folder/UPPER.JSON"
   echo 'not for Ostrafel' >"$folder/notes.txt"
-}
-
-# Polls for up to 20 seconds.
-eventually() {
-  local deadline=$((SECONDS + 20))
-  until "$@"; do
-    ((SECONDS < deadline)) || return 1
-    sleep 0.02
-  done
 }
 
 # start_session COMMAND: starts a shell. What it says is in $work/typescript.

@@ -39,55 +39,20 @@ enter_sandbox() {
 }
 [[ ${1:-} == --inside ]] || enter_sandbox
 
-if [[ ${OSTRAFEL_SANDBOX:-} != private ]]; then
-  echo 'ok - everything # SKIP this machine refuses private namespaces'
-  exit
-fi
+# shellcheck source-path=SCRIPTDIR source=../support/checks.bash
+. "$repository/tests/support/checks.bash"
+
+[[ ${OSTRAFEL_SANDBOX:-} == private ]] || skip_all 'this machine refuses private namespaces'
 readonly work=$OSTRAFEL_TEST_DIRECTORY
 redis-cli -s "$OSTRAFEL_SANDBOX_SOCKET" shutdown nosave  # the tests start their own
 rm -f -- "$runtime"/redis.*                              # and publish where they are
 [[ ! -d /var/lib/redis ]] || mount -n -t tmpfs tmpfs /var/lib/redis  # which stock.conf names
 
-# --- Checking ------------------------------------------------------------------------------------
-
-failures=0
-check() {
-  local description=$1
-  shift
-  if "$@"; then
-    printf 'ok - %s\n' "$description"
-  else
-    printf 'not ok - %s\n' "$description"
-    failures=$((failures + 1))
-  fi
-}
-
-equal() {
-  [[ $1 == "$2" ]] || {
-    printf '#   is:        %q\n#   should be: %q\n' "$1" "$2"
-    return 1
-  }
-}
-
-skip() { printf 'ok - %s # SKIP %s\n' "$1" "$2"; }
-
-completed=''
-end() {
-  stop_server
-  [[ ! $completed ]] || return 0
-  printf 'not ok - %s failed, or the tests broke off\n' "$failures"
-  exit 1  # said here because bash ends with status 0 after some errors
-}
-trap end EXIT
-
-finish_tests() {
-  ((failures == 0)) || exit 1
-  completed=yes
-}
-
 # --- The server ----------------------------------------------------------------------------------
 
 server=''
+clean_up() { stop_server; }
+
 start_server() {  # in the root directory, as services are
   : >"$work/server.log"  # before anyone looks for what is in it
   (cd / && exec setpriv --pdeathsig KILL redis-server "$config" --daemonize no --logfile '') \
