@@ -28,7 +28,7 @@ unsigned CollectReplies(const Pipeline& pipeline, bool (*is_good)(const redisRep
   unsigned result = 1;
   for (std::size_t i = 0; i < pipeline.count; ++i) {
     Reply reply;
-    if (!ReadPipelinedReply(pipeline.context, &reply)) {
+    if (!ReadPipelinedReply(pipeline, &reply)) {
       result = 0;
     } else if (result != 0 && !is_good(reply.get())) {
       (void)std::fprintf(stderr, "%sThe data in database would be incorrect\n", message);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// Commands that travel together: appended one after the other, their replies read behind the last.
+// Commands that travel together: all are sent before the first reply is read.
 #ifndef OSTRAFEL_STORE_PIPELINE_H_
 #define OSTRAFEL_STORE_PIPELINE_H_
 
@@ -9,30 +9,36 @@
 
 #include <cstddef>
 
-/// A pipeline that is being made. While it is, nothing else may use the context.
+#include "handles.h"
+
+/// A pipeline under construction; until its replies are read, send nothing else.
+///
+/// Once a write has failed, which of the commands were carried out cannot be told, whatever the
+/// server has answered: hiredis keeps the context in its error state, nothing more is sent, and no
+/// reply can be read.
 struct Pipeline {
   redisContext* context;
-  std::size_t count = 0;   ///< Commands so far, each of which must get its reply read.
-  bool is_broken = false;  ///< A piece could not be sent, so no more are.
+  std::size_t count = 0;  ///< Commands so far, each of which must get its reply read.
 };
 
-/// Sends what waits of a long pipeline, so that the server works while the rest is formatted. Does
-/// nothing while less than 16 KiB wait (what hiredis reads at a time, too): these go out when the
-/// first reply is read.
-///
-/// When the server is gone, the replies that it has sent can still be read; then comes the end of
-/// the stream, as if all commands had been sent before it left. Other failures stay in the context,
-/// so that no reply can be read.
-void SendLongPipeline(Pipeline* pipeline);
+/// So many commands go out together while the rest is formatted, so that the server works
+/// meanwhile: some 16 KiB, what hiredis reads at a time. The last ones go out when the first reply
+/// is read.
+constexpr std::size_t kPieceLength = 128;
 
-/// Appends one command, formatted by hiredis: every "%s" takes a NUL-terminated text. A command
-/// that cannot be appended leaves the context in its error state, so that reading its reply fails.
-template <typename... Texts>
-void AppendCommand(Pipeline* pipeline, const char* format, Texts... texts) {
+/// Appends one command, formatted by hiredis: every "%s" takes a NUL-terminated string. A command
+/// that cannot be appended leaves the context in its error state, too.
+template <typename... Strings>
+void AppendCommand(Pipeline* pipeline, const char* format, Strings... strings) {
   ++pipeline->count;
-  if (pipeline->is_broken) return;
-  (void)redisAppendCommand(pipeline->context, format, texts...);
-  SendLongPipeline(pipeline);
+  if (pipeline->context->err != 0) return;
+  (void)redisAppendCommand(pipeline->context, format, strings...);
+  // What a write cut short by a signal leaves goes out with the next piece.
+  if (pipeline->count % kPieceLength == 0) (void)redisBufferWrite(pipeline->context, nullptr);
 }
+
+/// Reads the reply of the next command into reply. Returns false, and prints
+/// "Failed to get reply\n", when it cannot be read. A reply that is read may still be empty.
+[[nodiscard]] bool ReadPipelinedReply(const Pipeline& pipeline, Reply* reply);
 
 #endif  // OSTRAFEL_STORE_PIPELINE_H_

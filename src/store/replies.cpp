@@ -3,7 +3,6 @@
 
 #include "store/replies.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -15,14 +14,6 @@ bool IsScanReply(const redisReply* reply) {
 }
 
 }  // namespace
-
-bool ReadPipelinedReply(redisContext* context, Reply* reply) {
-  void* received = nullptr;
-  const bool was_read = redisGetReply(context, &received) == REDIS_OK;
-  reply->reset(static_cast<redisReply*>(received));
-  if (!was_read) (void)std::fputs("Failed to get reply\n", stderr);
-  return was_read;
-}
 
 bool IsArrayOfStrings(const redisReply* reply) {
   if (reply == nullptr || reply->type != REDIS_REPLY_ARRAY) return false;

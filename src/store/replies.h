@@ -21,10 +21,6 @@ template <typename... Arguments>
   return Reply(static_cast<redisReply*>(redisCommand(context, format, arguments...)));
 }
 
-/// Reads the reply of the next command in the pipeline into reply. Returns false, and prints
-/// "Failed to get reply\n", when it cannot be read. A reply that is read may still be empty.
-[[nodiscard]] bool ReadPipelinedReply(redisContext* context, Reply* reply);
-
 /// True when reply is an array that holds strings only.
 [[nodiscard]] bool IsArrayOfStrings(const redisReply* reply);
 

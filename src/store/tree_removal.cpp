@@ -27,7 +27,7 @@ unsigned DeleteKeys(redisContext* context, const redisReply& found) {
   }
   for (std::size_t i = 0; i < found.elements; ++i) {
     Reply reply;
-    if (!ReadPipelinedReply(context, &reply)) return 0;
+    if (!ReadPipelinedReply(pipeline, &reply)) return 0;
   }
   return 1;
 }
