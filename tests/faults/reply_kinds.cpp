@@ -143,16 +143,27 @@ Kinds BrokenPages() {
           ArrayReply({StringReply("0"), ArrayReply({IntegerReply(1)})}),
           ArrayReply({StringReply("0"), ArrayReply({NilReply(), NilReply()})}),
           ArrayReply({StringReply("0"), ArrayReply({ArrayReply({StringReply("x")})})}),
-          ArrayReply({StringReply("0"), ArrayReply({StringReply("x"), IntegerReply(1)})}),
-          ArrayReply({StringReply("5"), ArrayReply({StringReply("x"), NilReply()})}),
       }),
       {{std::string("*2\r\n$1\r\n0\r\n") + kNilArray}},
   });
 }
 
+Kinds PagesWithStrangeValues() {
+  Kinds kinds;
+  for (const Reply& value :
+       {IntegerReply(1), NilReply(), StatusReply("OK"), ErrorReply("ERR no"), ArrayReply({})}) {
+    kinds.push_back(
+        {Format(ArrayReply({StringReply("0"), ArrayReply({StringReply("x"), value})}))});
+  }
+  return kinds;
+}
+
 Kinds Pages() {
-  return Whole({Page("0", {}), Page("0", {"x"}), Page("0", {"x", "y"}), Page("0", {"x", "y", "z"}),
-                ArrayReply({StringReply("0"), ArrayReply({}), StringReply("x")})});
+  return Join({
+      Whole({Page("0", {}), Page("0", {"x"}), Page("0", {"x", "y"}), Page("0", {"x", "y", "z"}),
+             ArrayReply({StringReply("0"), ArrayReply({}), StringReply("x")})}),
+      PagesWithStrangeValues(),
+  });
 }
 
 Kinds BrokenStreams() {

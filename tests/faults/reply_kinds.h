@@ -55,11 +55,15 @@ Kinds StringArrays();
 Kinds StrangeArrays();
 
 /// Arrays that begin like the answer to SCAN and go on otherwise: a cursor that is no string, a
-/// second element that is no array, items that are no strings.
+/// second element that is no array, items of which the first is no string.
 Kinds BrokenPages();
 
-/// Whole answers to SCAN and HSCAN with cursor 0: nothing found, one item, two, three, and one with
-/// an element more than it should have.
+/// Answers with cursor 0 and a field "x" whose value is no string: whole ones to HSCAN, of which
+/// only the names count, and broken ones to SCAN.
+Kinds PagesWithStrangeValues();
+
+/// Whole answers to SCAN and HSCAN with cursor 0: nothing found, one item, two, three, one with an
+/// element more than it should have, and PagesWithStrangeValues.
 Kinds Pages();
 
 /// Bytes that end the connection: no Redis protocol at all, lengths and numbers that are none,

@@ -91,7 +91,7 @@ TEST_F(WrongReplies, ToScan) {
       {{PageOf("0", {std::string("&&/r/A/B\0C", 10)})}, found_beginning},
       {{PageOf("7", {"x", "x"})}, goes_on("7", "UNLINK | x\nUNLINK | x\n")},
       {{Statuses(), Errors(), Integers(), Nils(), Texts()}, failed},
-      {{StringArrays(), StrangeArrays(), BrokenPages()}, failed},
+      {{StringArrays(), StrangeArrays(), BrokenPages(), PagesWithStrangeValues()}, failed},
       {{TwoStatuses(), TwoIntegers(), BrokenStreams()}, failed},
   };
   for (const auto& [cursor, sent] : CursorsThatGoOn()) {
@@ -135,7 +135,7 @@ TEST_F(WrongReplies, ToALaterScan) {
           {{PageOf("0", {"x", "y", "z"})}, found("UNLINK | x\nUNLINK | y\nUNLINK | z\n")},
           {{Exactly(ArrayReply({StringReply("0"), ArrayReply({}), StringReply("x")}))}, found("")},
           {{Statuses(), Errors(), Integers(), Nils(), Texts()}, forgiven},
-          {{StringArrays(), StrangeArrays(), BrokenPages()}, forgiven},
+          {{StringArrays(), StrangeArrays(), BrokenPages(), PagesWithStrangeValues()}, forgiven},
           {{TwoStatuses()}, shifted},
           {{TwoIntegers()}, unsent},
           {{BrokenStreams()}, lost},
@@ -157,7 +157,8 @@ TEST_F(WrongReplies, ToHscanForAnArray) {
       {{PageOf("0", {}), Exactly(ArrayReply({StringReply("0"), ArrayReply({}), StringReply("x")}))},
        found("")},
       // Fields and values alternate. A field without a value is still a field.
-      {{PageOf("0", {"x"}), PageOf("0", {"x", "y"})}, found("HDEL | /r | x\n")},
+      {{PageOf("0", {"x"}), PageOf("0", {"x", "y"}), PagesWithStrangeValues()},
+       found("HDEL | /r | x\n")},
       {{PageOf("0", {"x", "y", "z"})}, found("HDEL | /r | x\nHDEL | /r | z\n")},
       {{PageOf("0", {"", ""})}, found("HDEL | /r | \n")},
       {{PageOf("7", {"x", "", "x", ""})}, goes_on("7", "HDEL | /r | x\nHDEL | /r | x\n")},
@@ -199,7 +200,8 @@ TEST_F(WrongReplies, ToHscanForAScalar) {
             {{PageOf("0", {}),
               Exactly(ArrayReply({StringReply("0"), ArrayReply({}), StringReply("x")}))},
              found("")},
-            {{PageOf("0", {"x"}), PageOf("0", {"x", "y"})}, found("HDEL | /r | x\n")},
+            {{PageOf("0", {"x"}), PageOf("0", {"x", "y"}), PagesWithStrangeValues()},
+             found("HDEL | /r | x\n")},
             {{PageOf("0", {"x", "y", "z"})}, found("HDEL | /r | x\nHDEL | /r | z\n")},
             {{Statuses(), Errors(), Integers(), Nils(), Texts()}, written},
             {{StringArrays(), StrangeArrays(), BrokenPages()}, written},

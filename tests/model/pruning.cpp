@@ -34,8 +34,9 @@ struct Page {
 
 std::string CursorText(long cursor) { return std::to_string(static_cast<int>(cursor)); }
 
-// The reply as a page; none when it is missing or not of the form [cursor, [string, ...]].
-std::optional<Page> ReadPage(const std::optional<Reply>& reply) {
+// Every step-th item of the reply; none when it is missing or not of the form [cursor, [...]] with
+// strings for the cursor and these items.
+std::optional<Page> ReadPage(const std::optional<Reply>& reply, std::size_t step) {
   if (!reply || reply->type != Reply::Type::kArray || reply->elements.size() < 2) {
     return std::nullopt;
   }
@@ -46,9 +47,9 @@ std::optional<Page> ReadPage(const std::optional<Reply>& reply) {
   }
   Page page;
   page.cursor = std::strtol(cursor.text.c_str(), nullptr, 10);
-  for (const Reply& item : items.elements) {
-    if (item.type != Reply::Type::kString) return std::nullopt;
-    page.items.push_back(item.text);
+  for (std::size_t i = 0; i < items.elements.size(); i += step) {
+    if (items.elements[i].type != Reply::Type::kString) return std::nullopt;
+    page.items.push_back(items.elements[i].text);
   }
   return page;
 }
@@ -57,10 +58,10 @@ bool RemoveMatchingFields(RunState& run, const std::string& key, const std::stri
   long cursor = 0;
   do {
     const std::optional<Page> page =
-        ReadPage(Ask(run, {"HSCAN", key, CursorText(cursor), "MATCH", pattern}));
+        ReadPage(Ask(run, {"HSCAN", key, CursorText(cursor), "MATCH", pattern}), 2);
     if (!page) return false;
-    for (std::size_t i = 0; i < page->items.size(); i += 2) {
-      if (!QueueRemoval(run, key, page->items[i], RemovalKind::kField)) return false;
+    for (const std::string& field : page->items) {
+      if (!QueueRemoval(run, key, field, RemovalKind::kField)) return false;
     }
     cursor = page->cursor;
   } while (cursor != 0);
@@ -116,7 +117,7 @@ bool UnlinkMatchingKeys(RunState& run, const std::string& pattern) {
   long cursor = 0;
   do {
     const std::optional<Page> page =
-        ReadPage(Ask(run, {"SCAN", CursorText(cursor), "MATCH", pattern, "COUNT", "1000"}));
+        ReadPage(Ask(run, {"SCAN", CursorText(cursor), "MATCH", pattern, "COUNT", "1000"}), 1);
     if (!page) return false;
     for (const std::string& key : page->items) {
       if (!QueueRemoval(run, key, "", RemovalKind::kKey)) return false;

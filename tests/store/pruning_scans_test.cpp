@@ -106,13 +106,18 @@ TEST_F(MatchingFields, OfALargeHashAreAllFound) {
 
 TEST_F(MatchingFields, AMalformedAnswerFails) {
   std::size_t flight = 0;
-  for (const char* reply :
-       {"-ERR no\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", "*2\r\n$1\r\n0\r\n:3\r\n",
-        "*2\r\n$1\r\n0\r\n*2\r\n:1\r\n$1\r\nv\r\n", "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nf\r\n:1\r\n"}) {
+  for (const char* reply : {"-ERR no\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", "*2\r\n$1\r\n0\r\n:3\r\n",
+                            "*2\r\n$1\r\n0\r\n*2\r\n:1\r\n$1\r\nv\r\n"}) {
     recorder.Answer(flight++, reply);
     EXPECT_EQ(RemoveMatchingFields(context(), "h", "*"), 0U) << reply;
   }
   EXPECT_EQ(PendingRemovalsText(), "");
+}
+
+TEST_F(MatchingFields, AreFoundWhateverTheirValuesAre) {
+  recorder.Answer(0, "*2\r\n$1\r\n0\r\n*4\r\n$1\r\nf\r\n:1\r\n$1\r\ng\r\n*1\r\n$-1\r\n");
+  EXPECT_EQ(RemoveMatchingFields(context(), "h", "*"), 1U);
+  EXPECT_EQ(PendingRemovalsText(), "HDEL | h | f\nHDEL | h | g\n");
 }
 
 TEST_F(PrunedPrefix, IsAnyPartBeforeASlash) {
