@@ -14,7 +14,9 @@ foreach(script
     man/manual_test
     service/publish_test
     service/reading_test
-    service/units_test)
+    service/units_test
+    yocto/layer_test
+    yocto/tree_check_test)
   string(REPLACE "/" "." name ${script})
   add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/tests/${script})
   set_tests_properties(${name} PROPERTIES

@@ -1,0 +1,43 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
+SUMMARY = "Loads static Redfish resources into the local Redis"
+DESCRIPTION = "Loads Redfish resources, kept as trees of JSON files, into the Redis server of the \
+machine, from which a Redfish web service answers requests: when the machine boots, or after an \
+update of the resources."
+SECTION = "net"
+LICENSE = "Apache-2.0"
+LIC_FILES_CHKSUM = "file://LICENSE;md5=3b83ef96387f14655fc854ddc3c6bd57"
+
+DEPENDS = "hiredis jansson"
+
+# The repository that this layer lies in. For another one: its place, protocol and branch, as in
+# "git.example.com/mirror/ostrafel.git;protocol=https;branch=main".
+OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};protocol=file;nobranch=1"
+SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
+SRCREV = "b1774865022aeb57d6515a335ffed8a627af41ba"
+
+# scarthgap unpacks into WORKDIR, and has no name for it.
+UNPACKDIR ??= "${WORKDIR}"
+S = "${UNPACKDIR}/${BP}"
+
+inherit cmake pkgconfig systemd manpages bash-completion
+
+EXTRA_OECMAKE = "\
+    -DOSTRAFEL_TESTS=OFF \
+    -DOSTRAFEL_UNIT_DIR=${systemd_system_unitdir} \
+    -DOSTRAFEL_REDIS_UNIT=redis.service \
+    -DOSTRAFEL_REDIS_USER=redis \
+"
+PACKAGECONFIG[manpages] = "-DOSTRAFEL_MANUAL=ON,-DOSTRAFEL_MANUAL=OFF,scdoc-native"
+
+# SYSTEMD_SERVICE names none of the units. Redis's start pulls the publisher and the target in, by
+# links in the package; what SYSTEMD_SERVICE names is started again by an upgrade, which would load
+# the trees over what has changed since; and a template that it names is disabled, with its instances.
+FILES:${PN} += "${systemd_system_unitdir}"
+
+PACKAGES =+ "${PN}-zsh-completion"
+FILES:${PN}-zsh-completion = "${datadir}/zsh"
+
+# By name: without it, hiredis may bring another server.
+RDEPENDS:${PN} += "redis"
