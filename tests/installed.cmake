@@ -22,6 +22,6 @@ foreach(script
   set_tests_properties(${name} PROPERTIES
     FIXTURES_REQUIRED installation
     ENVIRONMENT OSTRAFEL_INSTALLED=${installed}
-    SKIP_REGULAR_EXPRESSION "everything # SKIP"
+    SKIP_REGULAR_EXPRESSION "${skipped_regex}"
     TIMEOUT 600)
 endforeach()

@@ -5,6 +5,9 @@
 # by bash scripts after their options are set.
 # shellcheck shell=bash
 #
+# Ends a script as skipped where packages cannot be built: scripts/test installs what that takes for
+# root only.
+#
 #   $root $version $architecture the sources; what packages of them are of
 #   $work                        a directory of the script's own, deleted when it ends
 #   build_packages               sets $packages to a directory with the packages: $OSTRAFEL_PACKAGES,
@@ -16,6 +19,9 @@ root=$(readlink -f -- "${BASH_SOURCE[0]}")
 root=${root%/*/*/*}
 # shellcheck source-path=SCRIPTDIR source=../support/checks.bash
 . "$root/tests/support/checks.bash"
+if ((EUID != 0)) && ! dpkg-checkbuilddeps "$root/debian/control" 2>/dev/null; then
+  skip_all 'what building packages takes is not installed (scripts/bootstrap --package does it)'
+fi
 version=$(dpkg-parsechangelog --file "$root/debian/changelog" --show-field Version)
 architecture=$(dpkg --print-architecture)
 work=$(mktemp -d)
