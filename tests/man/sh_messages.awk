@@ -4,9 +4,9 @@
 # Usage: LC_ALL=C awk -f sh_messages.awk PROGRAM
 #
 # Prints every message of ostrafel-publish-redis, one a line, with %s for what the shell or printf
-# fills in; without the program's name, and without a place that is filled in before them. A text
-# "${NAME:+TEXT}" gives two messages, with and without TEXT. Messages are the texts of
-#   fail and a function that ends with it, in double quotes
+# fills in; without a place that is filled in before them. A text "${NAME:+TEXT}" gives two messages,
+# with and without TEXT. Messages are the texts of
+#   say, fail and a function that ends with it, in double quotes
 #   printf, in single quotes, unless nothing but conversions is in them
 #   print "!", NR, ... in awk
 # and the first line of the usage text. For anything else that prints, the script fails.
@@ -15,7 +15,7 @@
 { program = program $0 "\n" }
 
 END {
-  while (match(program, /(^|[\n;|&({ \t])(fail|put_a_line) "|printf '|print "!", NR, |Usage: [^\n]*|[\n ]echo /)) {
+  while (match(program, /(^|[\n;|&({ \t])(say|fail|put_a_line) "|printf '|print "!", NR, |Usage: [^\n]*|[\n ]echo /)) {
     kind = substr(program, RSTART, RLENGTH)
     program = substr(program, RSTART + RLENGTH)
     if (kind ~ /^Usage/) emit(kind)
@@ -79,7 +79,6 @@ function emit(text,    lines, n, i, without) {
   gsub(/\\n/, "\n", text)
   n = split(text, lines, "\n")
   for (i = 1; i <= n; ++i) {
-    sub(/^ostrafel-publish-redis: /, "", lines[i])
     sub(/^%s(, line %s)?: /, "", lines[i])
     gsub(/(%s)+/, "%s", lines[i])
     if (lines[i] ~ /[A-Za-z]/ && lines[i] !~ /^(%s)*$/) print lines[i]
