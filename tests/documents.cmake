@@ -1,0 +1,17 @@
+# SPDX-FileCopyrightText: 2026 The Ostrafel developers
+# SPDX-License-Identifier: Apache-2.0
+
+# The commands that the documents show: beside the sources, and in a machine with the package.
+
+foreach(test commands_test machine_test)
+  add_test(NAME documents.${test} COMMAND ${PROJECT_SOURCE_DIR}/tests/documents/${test})
+  set_tests_properties(documents.${test} PROPERTIES
+    SKIP_REGULAR_EXPRESSION "everything # SKIP"
+    TIMEOUT 900)
+endforeach()
+set_tests_properties(documents.machine_test PROPERTIES
+  FIXTURES_REQUIRED packages
+  ENVIRONMENT "OSTRAFEL_PACKAGES=${packages};OSTRAFEL_MACHINE_CACHE=${PROJECT_BINARY_DIR}/machines")
+# These build the release, as one does who follows the documents.
+set_tests_properties(documents.commands_test scripts.demo_test PROPERTIES
+  RESOURCE_LOCK release_build)
