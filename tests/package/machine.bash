@@ -1,24 +1,28 @@
 # SPDX-FileCopyrightText: 2026 The Ostrafel developers
 # SPDX-License-Identifier: Apache-2.0
 #
-# Machines to try packages in: the smallest system of this machine's own release, with systemd and a
-# Redis server, in a directory. Commands run in it, and it boots, in a container. To be sourced by
-# bash scripts (set -euo pipefail); they call discard_machines from their EXIT trap.
+# Machines to try packages in: the smallest system of a Debian release, with systemd and a Redis
+# server, in a directory. Commands run in it, and it boots, in a container. To be sourced by bash
+# scripts (set -euo pipefail); they call discard_machines from their EXIT trap.
 # shellcheck shell=bash
 #
-#   machine_obstacle             prints why there can be no machines here, or fails when there can
-#   make_machine DIR             makes one in DIR, which must not exist
-#   in_machine [--network] DIR COMMAND...
+#   machine_obstacle [RELEASE]   prints why there can be no machines here, or fails when there can
+#   make_machine DIR [RELEASE [PACKAGE...]]
+#                                makes one in DIR, which must not exist: of this machine's own release
+#                                or that with another code name, with redis-server or other packages
+#   in_machine [--network] [--bind...] DIR COMMAND...
 #                                runs a command in it, without booting it; services do not start.
-#                                apt needs --network, which shares this machine's network
+#                                apt needs --network, which shares this machine's network; the other
+#                                options are systemd-nspawn's
 #   boot_machine DIR             boots it, and returns when it is up
 #   in_booted_machine DIR COMMAND...
 #                                runs a command in it while it runs
 #   stop_machine DIR             shuts it down
 #   discard_machines             ends and deletes every machine that was made
 #
-# Making the first one takes a minute. What it took is kept in $OSTRAFEL_MACHINE_CACHE (by default
-# build/package/machine-cache) for a week, for any number of tests, also at the same time.
+# Making the first one of a release takes a minute. What it took is kept in $OSTRAFEL_MACHINE_CACHE
+# (by default build/package/machine-cache) for a week, for any number of tests, also at the same time;
+# so is each set of packages on top of it.
 
 declare -A machine_container=()  # of a booted machine: the process id of its systemd-nspawn
 declare -A machine_init=()       # and that of its init, as seen from here
@@ -26,7 +30,8 @@ machine_directories=()           # that were made
 machine_cgroups=()               # for those that were booted
 machine_start=()                 # what starts systemd-nspawn
 
-readonly machine_include=systemd,systemd-sysv,dbus,redis-server,procps
+readonly machine_include=systemd,systemd-sysv,dbus,procps
+readonly machine_keyring=/usr/share/keyrings/debian-archive-keyring.gpg
 readonly machine_cache_days=7
 
 machine_failed() {
@@ -36,13 +41,35 @@ machine_failed() {
 
 # --- Whether it can be done ----------------------------------------------------------------------
 
-# Deb archives as apt knows them, this architecture's only: "URI suite component", one a line.
+# Deb archives as apt knows them, this architecture's only: "URI suite component", one a line. Those
+# of another release are in the same places.
 machine_archives() {
   # shellcheck disable=SC2016  # the dollars are for apt
   apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT) $(ARCHITECTURE) $(ORIGIN)' \
     'Created-By: Packages' |
-    awk -v architecture="$(dpkg --print-architecture)" \
-      '$4 == architecture && $5 == "Debian" { print $1, $2, $3 }'
+    awk -v architecture="$(dpkg --print-architecture)" -v release="${1:-}" '
+      $4 == architecture && $5 == "Debian" {
+        if (own == "") own = $2
+        if (release != "") sub("^" own, release, $2)
+        print $1, $2, $3
+      }'
+}
+
+# What the mirror says of a release, or its refusal to say it.
+machine_release_obstacle() {
+  local uri suite inrelease said reason=''
+  read -r uri suite _ < <(machine_archives "$1")
+  inrelease=$(mktemp)
+  said=$(/usr/lib/apt/apt-helper download-file "${uri%/}/dists/$suite/InRelease" "$inrelease" 2>&1) ||
+    reason="$uri has no Debian $suite"
+  # Any other failure is one of this moment, and no reason to skip a test.
+  [[ ! $reason || $said == *404* ]] || reason=''
+  if [[ -s $inrelease ]] && command -v gpgv >/dev/null &&
+    ! gpgv --quiet --keyring "$machine_keyring" "$inrelease" &>/dev/null; then
+    reason="$machine_keyring does not know who signs Debian $suite"
+  fi
+  rm -f -- "$inrelease"
+  [[ $reason ]] && printf '%s\n' "$reason"
 }
 
 machine_obstacle() {
@@ -65,55 +92,71 @@ machine_obstacle() {
     echo 'this machine refuses private namespaces'
     return
   fi
-  return 1
+  [[ ${1:-} ]] && machine_release_obstacle "$1"
 }
 
 # --- Making one ----------------------------------------------------------------------------------
 
 make_machine() {
-  local directory=$1 base
-  machine_base || return
+  local directory=$1 release=${2:-} packages=("${@:3}") base
+  ((${#packages[@]})) || packages=(redis-server)
+  machine_base "$release" "${packages[@]}" || return
   machine_directories+=("$directory")
-  # The copy and a removal of the base that has become too old must not meet.
-  flock --shared "$base.lock" cp -a --reflink=auto -- "$base" "$directory"
+  machine_copy_of_base "$directory"
 }
 
-# Sets $base to a directory with a machine as fresh from debootstrap; makes it when there is none.
+# The copy and a removal of the base that has become too old must not meet.
+machine_copy_of_base() {
+  flock --shared "$base.lock" cp -a --reflink=auto -- "$base" "$1"
+}
+
+# machine_base RELEASE [PACKAGE...]: sets $base to a directory with a machine as fresh from debootstrap
+# and apt; makes it when there is none.
 machine_base() {
-  local cache=${OSTRAFEL_MACHINE_CACHE:-} suite uri recipe
+  local release=$1 cache=${OSTRAFEL_MACHINE_CACHE:-} suite uri recipe made
+  shift
   if [[ ! $cache ]]; then
     cache=$(readlink -f -- "${BASH_SOURCE[0]}")
     cache=${cache%/*/*/*}/build/package/machine-cache
   fi
   mkdir -p -- "$cache" || return
-  read -r uri suite _ < <(machine_archives) || machine_failed 'apt knows no Debian archive' || return
+  (($# == 0)) || machine_base "$release" || return  # the $base on which this one is built
+  read -r uri suite _ < <(machine_archives "$release") ||
+    machine_failed 'apt knows no Debian archive' || return
   # Another recipe is another base: a cache may outlive this file's version.
-  recipe=$(cksum < <(declare -f machine_debootstrap; echo "$machine_include"; machine_archives))
-  base=$cache/$suite-$(dpkg --print-architecture)-${recipe%% *}
+  recipe=$(cksum < <(declare -f machine_debootstrap machine_install
+    echo "$machine_include $*"
+    machine_archives "$release"))
+  made=$cache/$suite-$(dpkg --print-architecture)-${recipe%% *}
   # shellcheck disable=SC2094  # the lock's text, of which there is none, is not what counts
   (
     flock 9
-    if [[ -d $base && $(find "$base.lock" -daystart -mtime "-$machine_cache_days") ]]; then
+    if [[ -d $made && $(find "$made.lock" -daystart -mtime "-$machine_cache_days") ]]; then
       exit
     fi
-    rm -rf -- "$base" "$base.new"
-    machine_debootstrap "$base.new" "$suite" "$uri" >"$base.log" 2>&1 || {
-      tail -n 20 -- "$base.log" >&2
-      rm -rf -- "$base.new"
-      machine_failed "debootstrap failed; all it said is in $base.log"
+    rm -rf -- "$made" "$made.new"
+    if (($#)); then
+      machine_copy_of_base "$made.new" && machine_install "$made.new" "$@"
+    else
+      machine_debootstrap "$made.new" "$suite" "$uri"
+    fi >"$made.log" 2>&1 || {
+      tail -n 20 -- "$made.log" >&2
+      rm -rf -- "$made.new"
+      machine_failed "a machine could not be made; all that was said is in $made.log"
       exit
     }
-    touch -- "$base.lock"
-    mv -T -- "$base.new" "$base"
-  ) 9>>"$base.lock"
+    touch -- "$made.lock"
+    mv -T -- "$made.new" "$made"
+  ) 9>>"$made.lock" || return
+  base=$made
 }
 
 machine_debootstrap() {
   local directory=$1 suite=$2 uri=$3
-  nice -n 10 debootstrap --variant=minbase --include="$machine_include" \
+  nice -n 10 debootstrap --variant=minbase --include="$machine_include" --keyring="$machine_keyring" \
     "$suite" "$directory" "$uri" </dev/null || return
   # The updates of the release, too, or apt would not find what this machine's packages need.
-  machine_archives | sed 's/^/deb /' >"$directory/etc/apt/sources.list"
+  machine_archives "$suite" | sed 's/^/deb /' >"$directory/etc/apt/sources.list"
   # In Debian's words for "start no service": unless an init runs that could.
   printf '%s\n' '#!/bin/sh' '[ -d /run/systemd/system ] || exit 101' \
     >"$directory/usr/sbin/policy-rc.d"
@@ -121,22 +164,32 @@ machine_debootstrap() {
   # A dated mirror may be older than its signatures are valid; what this machine accepts, it accepts.
   apt-config dump --format '%f "%v";%n' Acquire::Check-Valid-Until Acquire::Check-Date \
     >"$directory/etc/apt/apt.conf.d/90machine"
-  in_machine --network "$directory" apt-get update -q || return
+  # No machine outlives a loss of power.
+  echo force-unsafe-io >"$directory/etc/dpkg/dpkg.cfg.d/machine"
+  in_machine --network "$directory" sh -c 'apt-get clean && apt-get update -q' || return
   # Each machine gets an identity of its own when it boots.
   : >"$directory/etc/machine-id"
+}
+
+machine_install() {
+  local directory=$1
+  shift
+  # shellcheck disable=SC2016  # for the shell inside
+  in_machine --network "$directory" nice -n 10 sh -c \
+    'apt-get install -q -y --no-install-recommends "$@" && apt-get clean' sh "$@"
 }
 
 # --- Commands without an init --------------------------------------------------------------------
 
 in_machine() {
-  local network=(--private-network)
-  if [[ $1 == --network ]]; then
-    network=(--resolv-conf=replace-host)
+  local network=(--private-network) options=()
+  while [[ $1 == --* ]]; do
+    if [[ $1 == --network ]]; then network=(--resolv-conf=replace-host); else options+=("$1"); fi
     shift
-  fi
+  done
   local directory=$1
   shift
-  machine_nspawn "$directory" --as-pid2 --pipe "${network[@]}" \
+  machine_nspawn "$directory" --as-pid2 --pipe "${network[@]}" "${options[@]}" \
     --setenv=LC_ALL=C.UTF-8 --setenv=DEBIAN_FRONTEND=noninteractive -- "$@"
 }
 
