@@ -12,6 +12,6 @@ endforeach()
 set_tests_properties(documents.machine_test PROPERTIES
   FIXTURES_REQUIRED packages
   ENVIRONMENT "OSTRAFEL_PACKAGES=${packages};OSTRAFEL_MACHINE_CACHE=${PROJECT_BINARY_DIR}/machines")
-# These build the release, as one does who follows the documents.
-set_tests_properties(documents.commands_test scripts.demo_test PROPERTIES
+# Two of these build the release, as one does who follows the documents, and one installs it.
+set_tests_properties(documents.commands_test scripts.demo_test installation PROPERTIES
   RESOURCE_LOCK release_build)

@@ -5,7 +5,7 @@
 #
 # Writes each literal block of the documents, in their order, to a file FOLDER/NNNN.text, and prints
 # a line for it: NNNN, DOCUMENT:LINE, and the label above the block, with tabs between. Without a
-# label the last field is empty. Blocks stand between fences, and in Markdown also behind four
+# label the last field is empty. Blocks stand between fences, and in Markdown also after four
 # spaces. A label is a comment: "<!-- WORD: VALUE -->", or "; WORD: VALUE" in the source of a manual
 # page. One without a block makes the script fail.
 

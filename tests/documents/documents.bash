@@ -11,7 +11,7 @@
 #   shown: COMMAND    a part of what the command prints in the folder of the sources
 #   elsewhere: FILE   what another test, FILE, runs or compares
 # The lines of a session after "$ " are a user's commands and those after "# " root's; what is
-# between them is what they print, on both outputs. "…" stands for any text. Where a session shows
+# between them is what they print, on both outputs. "…" stands for anything. Where a session shows
 # nothing but commands, only its status counts, as with a script, which has no such marks.
 # To be sourced by bash scripts after their options are set.
 # shellcheck shell=bash
@@ -70,7 +70,7 @@ as_shown() {
   fi
 }
 
-# A pattern is made of the text: everything else in it stands for itself.
+# It becomes a pattern, in which everything else stands for itself.
 like() {
   local pattern
   pattern=$(sed 's/[^[:alnum:][:space:]…]/\\&/g; s/…/*/g' <<<"$2")
