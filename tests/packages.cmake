@@ -18,3 +18,11 @@ foreach(test package_test reproducible_test install_test autopkgtest_test piupar
     SKIP_REGULAR_EXPRESSION "${skipped_regex}"
     TIMEOUT 1200)
 endforeach()
+
+# What the Yocto layer would put into an image, in a machine of the same kind.
+add_test(NAME yocto.boot_test COMMAND ${PROJECT_SOURCE_DIR}/tests/yocto/boot_test)
+set_tests_properties(yocto.boot_test PROPERTIES
+  FIXTURES_REQUIRED installation
+  ENVIRONMENT "OSTRAFEL_INSTALLED=${installed};OSTRAFEL_MACHINE_CACHE=${PROJECT_BINARY_DIR}/machines"
+  SKIP_REGULAR_EXPRESSION "everything # SKIP"
+  TIMEOUT 600)
