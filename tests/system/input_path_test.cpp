@@ -5,6 +5,7 @@
 #include <linux/capability.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -94,10 +95,16 @@ TEST_F(InputPath, ADanglingLinkIsReportedAndTheRunGoesOn) {
   EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
 }
 
-// root may open everything; a program without these capabilities may not.
+// root may open everything; a program without these capabilities may not. Containers may start with
+// inheritable ones, which root's programs have whatever the bounding set is.
 void GiveUpFileCapabilities() {
   (void)prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
   (void)prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0);
+  __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+  __user_cap_data_struct capabilities[_LINUX_CAPABILITY_U32S_3] = {};
+  (void)syscall(SYS_capget, &header, capabilities);
+  for (__user_cap_data_struct& part : capabilities) part.inheritable = 0;
+  (void)syscall(SYS_capset, &header, capabilities);
 }
 
 TEST_F(InputPath, AFolderThatCannotBeOpenedFailsTheWholeWalk) {
