@@ -13,7 +13,7 @@ show_progress() {
   local -r result='^ *([0-9]+/[0-9]+) +Test +#[0-9]+: (.*) \.+ *(\**[A-Z].*) +([0-9.]+) sec'
   while IFS= read -r line || [[ $line ]]; do
     if [[ $line =~ $result ]]; then
-      printf -v line '%11s %-12s %7.2f s  %s' "${BASH_REMATCH[1]}" "${BASH_REMATCH[3]}" \
+      printf -v line '%9s %-7s %6.2f s  %s' "${BASH_REMATCH[1]}" "${BASH_REMATCH[3]#\*\*\*}" \
         "${BASH_REMATCH[4]}" "${BASH_REMATCH[2]}"
       ((${#line} <= 79)) || line=${line:0:78}…
       printf '%s%s' "${passing:+$erase}" "$line"
