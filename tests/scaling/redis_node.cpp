@@ -12,7 +12,6 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <stdexcept>
 #include <thread>
 
@@ -36,11 +35,6 @@ std::array<std::string, 2> FreePorts() {
   }
   for (const int listener : listeners) (void)close(listener);
   return ports;
-}
-
-std::string Server() {
-  const char* named = std::getenv("OSTRAFEL_REDIS_SERVER");
-  return named == nullptr || *named == '\0' ? "redis-server" : named;
 }
 
 }  // namespace
@@ -78,12 +72,12 @@ void RedisNode::Start() {
   options.in_child = [] { (void)prctl(PR_SET_PDEATHSIG, SIGKILL); };
   std::promise<pid_t> started;
   options.on_start = [&](int process_id) { started.set_value(process_id); };
-  const std::vector<std::string> command = {"/usr/bin/env", Server(), ConfigPath()};
+  const std::vector<std::string> command = {"/usr/bin/env", "redis-server", ConfigPath()};
   run_ = std::async(std::launch::async, [=] { return RunProgram(command, options); });
   process_id_ = started.get_future().get();
   const bool has_come = Eventually([&] { return HasEnded() || IsReady(); });
-  if (HasEnded()) throw std::runtime_error(Server() + " has ended: " + run_.get().out);
-  if (!has_come) throw std::runtime_error(Server() + " does not answer");
+  if (HasEnded()) throw std::runtime_error("redis-server has ended: " + run_.get().out);
+  if (!has_come) throw std::runtime_error("redis-server does not answer");
 }
 
 bool RedisNode::HasEnded() const {
@@ -108,7 +102,7 @@ Finished RedisNode::End(int signal) {
 Finished RedisNode::WaitForEnd() {
   store_.reset();
   if (run_.wait_for(std::chrono::minutes(1)) != std::future_status::ready) {
-    throw std::runtime_error(Server() + " does not end");
+    throw std::runtime_error("redis-server does not end");
   }
   return run_.get();
 }

@@ -12,7 +12,6 @@ export LC_ALL=C  # bytes are bytes
 test_script=$(readlink -f -- "$0")
 repository=${test_script%/*/*/*}
 readonly test_script repository
-readonly redis_server=${OSTRAFEL_REDIS_SERVER:-redis-server}
 readonly config=/etc/redis/redis.conf runtime=/run/redis socket=/run/redis/redis-server.sock
 
 if [[ ! ${OSTRAFEL_INSTALLED:-} ]]; then
@@ -56,7 +55,7 @@ clean_up() { stop_server; }
 
 start_server() {  # in the root directory, as services are
   : >"$work/server.log"  # before anyone looks for what is in it
-  (cd / && exec setpriv --pdeathsig KILL "$redis_server" "$config" --daemonize no --logfile '') \
+  (cd / && exec setpriv --pdeathsig KILL redis-server "$config" --daemonize no --logfile '') \
     >"$work/server.log" 2>&1 &
   server=$!
   local deadline=$((SECONDS + 20))
