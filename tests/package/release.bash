@@ -31,9 +31,9 @@ make_plain_machine() { make_machine "$1" "$debian" "${plain_packages[@]}"; }
 make_full_machine() { make_machine "$1" "$debian" "${full_packages[@]}"; }
 
 in_sources() {
-  local machine=$1 build=$release_folder/$2
+  local directory=$1 build=$release_folder/$2
   shift 2
   mkdir -p -- "$build" "$root/build"  # there must be something to lay it over
   in_machine --bind-ro="$root:/ostrafel" --bind="$build:/ostrafel/build" --chdir=/ostrafel \
-    "$machine" nice -n 10 "$@"
+    "$directory" nice -n 10 "$@"
 }
