@@ -64,8 +64,10 @@ machine_release_obstacle() {
     reason="$uri has no Debian $suite"
   # Any other failure is one of this moment, and no reason to skip a test.
   [[ ! $reason || $said == *404* ]] || reason=''
+  # Of several signatures one will do.
   if [[ -s $inrelease ]] && command -v gpgv >/dev/null &&
-    ! gpgv --quiet --keyring "$machine_keyring" "$inrelease" &>/dev/null; then
+    ! grep -q '^\[GNUPG:\] GOODSIG ' \
+      <<<"$(gpgv --status-fd 1 --keyring "$machine_keyring" "$inrelease" 2>/dev/null)"; then
     reason="$machine_keyring does not know who signs Debian $suite"
   fi
   rm -f -- "$inrelease"
