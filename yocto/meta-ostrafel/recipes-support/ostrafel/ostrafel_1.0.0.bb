@@ -15,7 +15,7 @@ DEPENDS = "hiredis jansson"
 # "git.example.com/mirror/ostrafel.git;protocol=https;branch=main".
 OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};protocol=file;nobranch=1"
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "b1774865022aeb57d6515a335ffed8a627af41ba"
+SRCREV = "423fdbc7910352a3f789f5feb0e187f4c28038ee"
 
 # scarthgap unpacks into WORKDIR, and has no name for it.
 UNPACKDIR ??= "${WORKDIR}"
