@@ -128,7 +128,7 @@ TEST_P(LeavingServerTest, NeverGetsASuccess) {
   const LongRun run = MakeLongRun();
   for (const Transport transport : Transports()) {
     SCOPED_TRACE(transport == Transport::kUnix ? "Unix socket" : "TCP");
-    for (const std::size_t read : {0, 1, 7, 100, 500}) {
+    for (const std::size_t read : std::vector<std::size_t>{0, 1, 7, 100, 500}) {
       SCOPED_TRACE("reads " + std::to_string(read));
       std::vector<std::string> all_last_words = {""};
       if (read > 0) {

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "connection/broken_pipe.h"
 #include "connection/store_connection.h"
@@ -86,7 +87,7 @@ class PipelineToAServerThatLeaves : public BrokenPipeline {
     for (const bool is_tcp : {false, true}) {
       if (is_tcp && !DefaultPortIsFree()) continue;
       SCOPED_TRACE(is_tcp ? "TCP" : "Unix socket");
-      for (const std::size_t read : {0, 1, 7, 100, 500}) {
+      for (const std::size_t read : std::vector<std::size_t>{0, 1, 7, 100, 500}) {
         SCOPED_TRACE("reads " + std::to_string(read));
         const std::string answers = Repeated(":1\r\n", read);
         for (const std::string& last_words :
