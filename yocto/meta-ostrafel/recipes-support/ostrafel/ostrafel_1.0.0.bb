@@ -15,7 +15,7 @@ DEPENDS = "hiredis jansson"
 # "git.example.com/mirror/ostrafel.git;protocol=https;branch=main".
 OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};protocol=file;nobranch=1"
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "423fdbc7910352a3f789f5feb0e187f4c28038ee"
+SRCREV = "62a9c59908c47f7c374a837b85c2a4bfe1aefced"
 
 # scarthgap unpacks into WORKDIR, and has no name for it.
 UNPACKDIR ??= "${WORKDIR}"
