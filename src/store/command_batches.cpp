@@ -22,9 +22,11 @@ bool IsInteger(const redisReply* reply) {
 
 bool IsListLength(const redisReply* reply) { return IsInteger(reply) && reply->integer >= 1; }
 
-// Reads the replies of a pipeline. After the first failure the rest is read, not checked.
+// Sends the rest of a pipeline and reads its replies. After the first failure the rest is read, not
+// checked.
 unsigned CollectReplies(const Pipeline& pipeline, bool (*is_good)(const redisReply*),
                         const char* message) {
+  FinishPipeline(pipeline);
   unsigned result = 1;
   for (std::size_t i = 0; i < pipeline.count; ++i) {
     Reply reply;

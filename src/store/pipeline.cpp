@@ -5,10 +5,20 @@
 
 #include <cstdio>
 
+void SendPiece(const Pipeline& pipeline) {
+  int is_sent = 0;  // a signal may cut a write short
+  while (is_sent == 0 && pipeline.context->err == 0) {
+    (void)redisBufferWrite(pipeline.context, &is_sent);
+  }
+}
+
+void FinishPipeline(const Pipeline& pipeline) {
+  if (pipeline.count % kPieceLength != 0) SendPiece(pipeline);
+}
+
 bool ReadPipelinedReply(const Pipeline& pipeline, Reply* reply) {
   void* received = nullptr;
-  // redisGetReply itself looks at the error only when no reply waits in the reader, and a server
-  // may have sent more of them than it was asked for.
+  // redisGetReply itself looks at the error only when no reply waits in the reader.
   const bool was_read =
       pipeline.context->err == 0 && redisGetReply(pipeline.context, &received) == REDIS_OK;
   reply->reset(static_cast<redisReply*>(received));

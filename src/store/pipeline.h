@@ -22,9 +22,11 @@ struct Pipeline {
 };
 
 /// So many commands go out together while the rest is formatted, so that the server works
-/// meanwhile: some 16 KiB, what hiredis reads at a time. The last ones go out when the first reply
-/// is read.
+/// meanwhile: some 16 KiB of usual commands, what hiredis reads at a time.
 constexpr std::size_t kPieceLength = 128;
+
+/// Sends what waits in the context, if that has not failed.
+void SendPiece(const Pipeline& pipeline);
 
 /// Appends one command, formatted by hiredis: every "%s" takes a NUL-terminated string. A command
 /// that cannot be appended leaves the context in its error state, too.
@@ -33,9 +35,13 @@ void AppendCommand(Pipeline* pipeline, const char* format, Strings... strings) {
   ++pipeline->count;
   if (pipeline->context->err != 0) return;
   (void)redisAppendCommand(pipeline->context, format, strings...);
-  // What a write cut short by a signal leaves goes out with the next piece.
-  if (pipeline->count % kPieceLength == 0) (void)redisBufferWrite(pipeline->context, nullptr);
+  if (pipeline->count % kPieceLength == 0) SendPiece(*pipeline);
 }
+
+/// Sends the last piece; to be called before the first reply is read. redisGetReply would send it,
+/// but only when no reply waits in its reader, and a server may have sent more than it was asked
+/// for: commands that never went out must not pass for answered.
+void FinishPipeline(const Pipeline& pipeline);
 
 /// Reads the reply of the next command into reply. Returns false, and prints
 /// "Failed to get reply\n", when it cannot be read. A reply that is read may still be empty.

@@ -25,6 +25,7 @@ unsigned DeleteKeys(redisContext* context, const redisReply& found) {
   for (std::size_t i = 0; i < found.elements; ++i) {
     AppendCommand(&pipeline, "del %s", found.element[i]->str);
   }
+  FinishPipeline(pipeline);
   for (std::size_t i = 0; i < found.elements; ++i) {
     Reply reply;
     if (!ReadPipelinedReply(pipeline, &reply)) return 0;

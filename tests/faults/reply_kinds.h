@@ -71,9 +71,9 @@ Kinds Pages();
 /// drops the connection at these, so that whatever follows fails as with a cut line.
 Kinds BrokenStreams();
 
-/// Two whole replies where one is due. hiredis takes the second for the answer to the next command,
-/// which it does not even send before a reply beyond that one is wanted; from there on every answer
-/// is taken for that of the command behind.
+/// Two whole replies where one is due. hiredis takes the second for the answer to the next command
+/// (and does not even send that, when it is a question); from there on every answer is taken for
+/// that of the command after.
 Kinds TwoStatuses();
 Kinds TwoIntegers();
 

@@ -53,6 +53,7 @@ class BrokenPipeline : public testing::Test {
   // Expects that no reply of the pipeline can be read.
   static void ExpectNoReply(const Pipeline& pipeline) {
     testing::internal::CaptureStderr();
+    FinishPipeline(pipeline);
     for (std::size_t i = 0; i < pipeline.count; ++i) {
       Reply reply;
       EXPECT_FALSE(ReadPipelinedReply(pipeline, &reply));
@@ -114,15 +115,18 @@ TEST_F(PipelineToAServerThatLeaves, HasNoReplyWhenTheLastPieceCannotBeSent) {
 }
 
 TEST_F(BrokenPipeline, RepliesThatCameBeforeItDoNotCount) {
-  ASSERT_NO_FATAL_FAILURE(Connect({"TYPE", 1, "+none\r\n" + Repeated(":1\r\n", 5000)}));
-  ASSERT_NE(Ask(context(), "TYPE %s", "key"), nullptr);
-  ASSERT_EQ(Join(), 1U);
-  Pipeline pipeline = {context()};
-  Append(kPieceLength, &pipeline);
-  ExpectNoReply(pipeline);
-  Pipeline next = {context()};
-  Append(1, &next);
-  ExpectNoReply(next);
+  for (const std::size_t length : {std::size_t{1}, kPieceLength - 1, kPieceLength}) {
+    SCOPED_TRACE(length);
+    ASSERT_NO_FATAL_FAILURE(Connect({"TYPE", 1, "+none\r\n" + Repeated(":1\r\n", 5000)}));
+    ASSERT_NE(Ask(context(), "TYPE %s", "key"), nullptr);
+    ASSERT_EQ(Join(), 1U);
+    Pipeline pipeline = {context()};
+    Append(length, &pipeline);
+    ExpectNoReply(pipeline);
+    Pipeline next = {context()};
+    Append(1, &next);
+    ExpectNoReply(next);
+  }
 }
 
 TEST_F(BrokenPipeline, APieceIsSentWhileTheRestIsFormatted) {
