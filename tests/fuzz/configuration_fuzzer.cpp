@@ -147,7 +147,7 @@ std::string AddressOf(const Machine& machine) {
 }
 
 void CheckOpening(const Expected& expected, const World& world, Machine* machine) {
-  ByteServer server(world.answer ? std::string_view(*world.answer) : std::string_view(), 16, false);
+  ByteServer server(world.answer ? std::string_view(*world.answer) : std::string_view(), 16);
   machine->server = world.answer ? &server : nullptr;
   const bool is_open = Open(machine);
   ExpectSame("the address", expected.address, AddressOf(*machine));

@@ -41,7 +41,7 @@ std::size_t MemoryServer::Send(char* buffer, std::size_t size) {
 }
 
 bool ByteServer::Receive(std::string_view bytes) {
-  if (breaks_at_end_ && bytes_.empty()) return false;
+  if (bytes_.empty() && commands().size() >= may_be_sent_) return false;
   (void)reader_.Add(bytes);
   return true;
 }

@@ -7,6 +7,7 @@
 #define OSTRAFEL_TESTS_FUZZ_MEMORY_SERVER_H_
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,10 +56,12 @@ class MemoryServer : public Peer {
 /// them.
 class ByteServer : public Peer {
  public:
-  /// Hands over at most so many bytes at once. With breaks_at_end, what the program sends after it
-  /// has read all the bytes fails.
-  ByteServer(std::string_view bytes, std::size_t bytes_at_once, bool breaks_at_end)
-      : bytes_(bytes), bytes_at_once_(bytes_at_once), breaks_at_end_(breaks_at_end) {}
+  static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+
+  /// Hands over at most so many bytes at once. Once it has handed over all of them and got as many
+  /// commands as may_be_sent, what the program sends fails.
+  ByteServer(std::string_view bytes, std::size_t bytes_at_once, std::size_t may_be_sent = kNoLimit)
+      : bytes_(bytes), bytes_at_once_(bytes_at_once), may_be_sent_(may_be_sent) {}
 
   bool Receive(std::string_view bytes) override;
   std::size_t Send(char* buffer, std::size_t size) override;
@@ -68,7 +71,7 @@ class ByteServer : public Peer {
  private:
   std::string_view bytes_;
   const std::size_t bytes_at_once_;
-  const bool breaks_at_end_;
+  const std::size_t may_be_sent_;
   CommandReader reader_;
 };
 
