@@ -59,7 +59,7 @@ machine_archives() {
 machine_release_obstacle() {
   local uri suite inrelease said reason=''
   read -r uri suite _ < <(machine_archives "$1")
-  inrelease=$(mktemp)
+  inrelease=$(mktemp -p "${work:-/tmp}")
   said=$(/usr/lib/apt/apt-helper download-file "${uri%/}/dists/$suite/InRelease" "$inrelease" 2>&1) ||
     reason="$uri has no Debian $suite"
   # Any other failure is one of this moment, and no reason to skip a test.

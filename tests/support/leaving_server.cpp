@@ -68,9 +68,12 @@ std::size_t LeavingServer::Join() {
 }
 
 void LeavingServer::Serve() {
-  const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-  while (AnswerNext(client)) continue;
-  (void)close(client);
+  constexpr int most_milliseconds = 60000;  // for a client that does not come
+  if (IsReadable(listener_, most_milliseconds)) {
+    const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    while (AnswerNext(client)) continue;
+    (void)close(client);
+  }
   (void)close(listener_);
 }
 
