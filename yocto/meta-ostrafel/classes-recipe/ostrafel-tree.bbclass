@@ -30,13 +30,14 @@ do_install:append() {
     uri='${OSTRAFEL_TREE_URI}'
     file='${OSTRAFEL_TREE_FILE}'
     tool=${OSTRAFEL_LAYERDIR}/scripts/ostrafel-tree
-    said=$(python3 $tool check "$name" "$source" "$action" "$uri" "$file" 2>&1) || bbfatal "$said"
-    [ -z "$said" ] || bbwarn "$said"
 
-    tree=${D}${datadir}/ostrafel/$name
-    install -d $tree
-    cp -R "$source"/. $tree/
-    chmod -R u=rwX,go=rX $tree
+    # Links may lead to where the machine has nothing, so that what they lead to is copied.
+    tree="${D}${datadir}/ostrafel/$name"
+    install -d "$tree"
+    said=$(cp -RL "$source"/. "$tree"/ 2>&1) || bbfatal "$said"
+    chmod -R u=rwX,go=rX "$tree"
+    said=$(python3 $tool check "$name" "$tree" "$action" "$uri" "$file" 2>&1) || bbfatal "$source: $said"
+    [ -z "$said" ] || bbwarn "$source: $said"
 
     # What "systemctl enable" does.
     units=${D}${systemd_system_unitdir}
