@@ -15,6 +15,8 @@ OSTRAFEL_TREE_URI ?= "/redfish/v1"
 OSTRAFEL_TREE_ACTION ?= "create"
 # Which file is loaded in each folder.
 OSTRAFEL_TREE_FILE ?= "index.json"
+# The name of the tree that this one changes: it is loaded after that one, and again whenever that is.
+OSTRAFEL_TREE_CHANGES ?= ""
 
 # A recipe with sources of another kind sets S after it has inherited this.
 UNPACKDIR ??= "${WORKDIR}"
@@ -29,6 +31,7 @@ do_install:append() {
     action='${OSTRAFEL_TREE_ACTION}'
     uri='${OSTRAFEL_TREE_URI}'
     file='${OSTRAFEL_TREE_FILE}'
+    changes='${OSTRAFEL_TREE_CHANGES}'
     tool=${OSTRAFEL_LAYERDIR}/scripts/ostrafel-tree
 
     # Links may lead to where the machine has nothing, so that what they lead to is copied.
@@ -36,7 +39,8 @@ do_install:append() {
     install -d "$tree"
     said=$(cp -RL "$source"/. "$tree"/ 2>&1) || bbfatal "$said"
     chmod -R u=rwX,go=rX "$tree"
-    said=$(python3 $tool check "$name" "$tree" "$action" "$uri" "$file" 2>&1) || bbfatal "$source: $said"
+    said=$(python3 $tool check "$name" "$tree" "$action" "$uri" "$file" "$changes" 2>&1) ||
+        bbfatal "$source: $said"
     [ -z "$said" ] || bbwarn "$source: $said"
 
     # What "systemctl enable" does.
@@ -45,7 +49,7 @@ do_install:append() {
     install -d $units/ostrafel.target.requires
     ln -sf ../ostrafel@.service $units/ostrafel.target.requires/$unit
 
-    settings=$(python3 $tool drop-in "$action" "$uri" "$file")
+    settings=$(python3 $tool drop-in "$action" "$uri" "$file" "$changes")
     if [ -n "$settings" ]; then
         install -d $units/$unit.d
         printf '%s\n' "$settings" >$units/$unit.d/tree.conf
