@@ -18,6 +18,9 @@ OSTRAFEL_TREE_FILE ?= "index.json"
 # The name of the tree that this one changes: it is loaded after that one, and again whenever that is.
 OSTRAFEL_TREE_CHANGES ?= ""
 
+# JSON waits for no compiler. A recipe that needs one sets this to "".
+INHIBIT_DEFAULT_DEPS ?= "1"
+
 # A recipe with sources of another kind sets S after it has inherited this.
 UNPACKDIR ??= "${WORKDIR}"
 S = "${UNPACKDIR}"
