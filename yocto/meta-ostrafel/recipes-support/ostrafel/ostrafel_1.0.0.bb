@@ -14,6 +14,8 @@ DEPENDS = "hiredis jansson"
 # The repository that this layer lies in. For another one: its place, protocol and branch, as in
 # "git.example.com/mirror/ostrafel.git;protocol=https;branch=main".
 OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};protocol=file;nobranch=1"
+# SRCREV says what is built, wherever that comes from: the place stays out of the tasks' signatures.
+OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
 SRCREV = "62a9c59908c47f7c374a837b85c2a4bfe1aefced"
 
