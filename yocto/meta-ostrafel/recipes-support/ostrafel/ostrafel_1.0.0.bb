@@ -19,7 +19,7 @@ OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
 SRCREV = "62a9c59908c47f7c374a837b85c2a4bfe1aefced"
 
-# scarthgap unpacks into WORKDIR, and has no name for it.
+# Where UNPACKDIR has no value, as in the first release of scarthgap, WORKDIR is unpacked into.
 UNPACKDIR ??= "${WORKDIR}"
 S = "${UNPACKDIR}/${BP}"
 
