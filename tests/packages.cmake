@@ -39,7 +39,7 @@ function(add_debian13_test name needs packages)
     TIMEOUT 2400)
 endfunction()
 
-add_debian13_test(build packages ${packages} release_build_test trixie)
+add_debian13_test(build "" "" release_build_test trixie)
 set_tests_properties(debian13.build PROPERTIES FIXTURES_SETUP debian13)
 add_debian13_test(redis debian13 "" release_server_test trixie redis-server 8)
 add_debian13_test(valkey debian13 "" release_server_test trixie valkey-server 8[.]1)
