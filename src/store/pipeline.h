@@ -22,8 +22,8 @@ struct Pipeline {
 };
 
 /// So many commands go out together while the rest is formatted, so that the server works
-/// meanwhile: some 16 KiB of usual commands, what hiredis reads at a time.
-constexpr std::size_t kPieceLength = 128;
+/// meanwhile: some 30 KB of usual commands. Shorter pipelines, the most, are one write.
+constexpr std::size_t kPieceLength = 256;
 
 /// Sends what waits in the context, if that has not failed.
 void SendPiece(const Pipeline& pipeline);

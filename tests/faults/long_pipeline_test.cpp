@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kPieceLength = 128;  // commands
+constexpr std::size_t kPieceLength = 256;  // commands
 constexpr unsigned long kOtherWrites = 4;  // of the three KEYS and of the hash's one field
 
 class LongPipeline : public FailingCallsTest {
@@ -71,7 +71,7 @@ TEST_F(LongPipeline, OfTheOldTreesRemovalIsWrittenInPiecesBeforeAnyReplyIsRead) 
 }
 
 TEST_F(LongPipeline, OfNoMoreThanAPieceIsWrittenAtOnce) {
-  const auto most = CheckWrites(CreateInEmptyStore(WriteArray(kText, 128)));
+  const auto most = CheckWrites(CreateInEmptyStore(WriteArray(kText, 256)));
   EXPECT_EQ(most.at("RPUSH"), 1U);
 }
 
