@@ -17,7 +17,7 @@ OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};
 # SRCREV says what is built, wherever that comes from: the place stays out of the tasks' signatures.
 OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "62a9c59908c47f7c374a837b85c2a4bfe1aefced"
+SRCREV = "bcf742f81de02f523e3ed895199c20152d7e84cc"
 
 # Where UNPACKDIR has no value, as in the first release of scarthgap, WORKDIR is unpacked into.
 UNPACKDIR ??= "${WORKDIR}"
