@@ -43,8 +43,8 @@ TEST_F(WrongReplies, ToKeys) {
   const Outcome deletes_beginning = Success("del | /r\n" + rest);
   // No KEYS gets an answer any more, and none is missed; the HSET is.
   const Outcome lost = Failure(std::string(kNoReply) + kRestNotWritten, "");
-  // The second KEYS gets the second reply. The third gets the answer to the second, and HSET that to
-  // the third: an empty array.
+  // The second KEYS gets the second reply. The third gets the answer to the second, and HSET that
+  // to the third: an empty array.
   const Outcome shifted = Failure(std::string(kBadHash) + kRestNotWritten, rest);
 
   Check({"create", R"({"A": 1})", {{"/r", {model::Hash{{"B", "2"}}}}}, "", "keys | /r\n"},
