@@ -15,6 +15,7 @@ foreach(script
     service/publish_test
     service/reading_test
     service/units_test
+    service/users_test
     yocto/layer_test
     yocto/tree_check_test)
   string(REPLACE "/" "." name ${script})

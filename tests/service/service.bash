@@ -18,9 +18,9 @@ if [[ ! ${OSTRAFEL_INSTALLED:-} ]]; then
   printf '%s: OSTRAFEL_INSTALLED must name the folder of an installation\n' "${0##*/}" >&2
   exit 1
 fi
-readonly program=$OSTRAFEL_INSTALLED/sbin/ostrafel-publish-redis
-[[ -x $program ]] || {
-  printf '%s: there is no %s\n' "${0##*/}" "$program" >&2
+readonly installed_program=$OSTRAFEL_INSTALLED/sbin/ostrafel-publish-redis
+[[ -x $installed_program ]] || {
+  printf '%s: there is no %s\n' "${0##*/}" "$installed_program" >&2
   exit 1
 }
 
@@ -87,10 +87,15 @@ server_says() {
 
 # --- The program ---------------------------------------------------------------------------------
 
+# Inside everyone is root, and so the server is: what a build with -DOSTRAFEL_REDIS_USER=root installs.
+program=$work/ostrafel-publish-redis
+sed "s/^readonly redis_user='.*'$/readonly redis_user='root'/" "$installed_program" >"$program"
+chmod 755 "$program"
+
 # Worlds that the program may meet: the machine's own shell and tools, other shells and kinds of
 # awk, and the one program that is all of them in a small image.
 declare -A launcher=([sh]=/bin/sh [bash]="$BASH --posix")
-readonly tools='awk cat chmod chown dirname grep id mktemp mv rm sort stat tr wc'
+readonly tools='awk cat chmod dirname grep id mktemp mv rm rmdir sort stat tr wc'
 if command -v busybox >/dev/null; then
   mkdir "$work/busybox"
   for tool in $tools; do ln -s "$(command -v busybox)" "$work/busybox/$tool"; done
