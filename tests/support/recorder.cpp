@@ -42,6 +42,11 @@ void Recorder::KillAfter(std::size_t flight, std::size_t commands) {
   plans_[flight].commands_before_kill = commands;
 }
 
+void Recorder::Before(std::size_t flight, const std::function<void()>& function) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  plans_[flight].before = function;
+}
+
 void Recorder::Answer(std::size_t flight, const std::string& bytes) {
   const std::lock_guard<std::mutex> lock(mutex_);
   plans_[flight].has_answer = true;
@@ -77,6 +82,7 @@ Delivery Recorder::Answer(const std::vector<model::Command>& commands) {
   model::Flight& flight = recording_.flights.emplace_back();
   flight.commands = commands;
   if (plan.is_kill) flight.commands.resize(plan.commands_before_kill);
+  if (plan.before) plan.before();
 
   std::string incoming = plan.answer;
   bool is_answered = plan.has_answer || WriteAll(server_, FormatAll(flight.commands));

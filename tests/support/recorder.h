@@ -7,6 +7,7 @@
 #define OSTRAFEL_TESTS_SUPPORT_RECORDER_H_
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -48,6 +49,10 @@ class Recorder : private FlightHandler {
   /// gets only the first commands of the flight, as if the client had come no further with sending.
   void KillAfter(std::size_t flight, std::size_t commands);
 
+  /// Calls a function when this flight has come, before the server gets it: what somebody else does
+  /// at that moment. The client waits meanwhile. It is called from a thread of the Recorder's own.
+  void Before(std::size_t flight, const std::function<void()>& function);
+
   /// Answers a flight with these bytes. The server does not get its commands.
   void Answer(std::size_t flight, const std::string& bytes);
 
@@ -65,6 +70,7 @@ class Recorder : private FlightHandler {
     std::size_t replies_before_cut = 0;
     bool is_kill = false;
     std::size_t commands_before_kill = 0;
+    std::function<void()> before;
   };
 
   void Connected() override;

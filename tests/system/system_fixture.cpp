@@ -3,6 +3,9 @@
 
 #include "system/system_fixture.h"
 
+#include <cstddef>
+#include <utility>
+
 #include "support/program.h"
 
 namespace {
@@ -29,7 +32,9 @@ Finished SystemTest::Ostrafel(const std::vector<std::string>& arguments,
   if (plan) plan(recorder);
   RunOptions watched = options;
   watched.on_start = [&](int process_id) { recorder.Watch(process_id); };
-  Finished finished = RunProgram(ProgramCommand(arguments), watched);
+  std::vector<std::string> command = launcher;
+  for (const std::string& word : ProgramCommand(arguments)) command.push_back(word);
+  Finished finished = RunProgram(command, watched);
   recording = recorder.Finish();
   EXPECT_LE(recording.connections, 1);
   bool is_cut = false;
@@ -52,4 +57,14 @@ void SystemTest::ExpectFailure(const std::vector<std::string>& arguments, const 
   EXPECT_EQ(finished.out, "");
   EXPECT_EQ(finished.err, err);
   EXPECT_EQ(finished.status, 255);
+}
+
+std::string SystemTest::Shown(std::string command, const std::string& key,
+                              const RunOptions& options) const {
+  const std::pair<std::string, std::string> values[] = {{"TREE", tree.path()}, {"KEY", key}};
+  for (const auto& [name, value] : values) {
+    const std::size_t found = command.find(name);
+    if (found != std::string::npos) command.replace(found, name.size(), "'" + value + "'");
+  }
+  return RunProgram({"/bin/sh", "-c", command}, options).out;
 }

@@ -35,6 +35,11 @@ class SystemTest : public testing::Test {
   /// error.
   void ExpectFailure(const std::vector<std::string>& arguments, const std::string& err);
 
+  /// What a command of the manual prints in a shell in which redis-cli goes to the sandbox's
+  /// server. In it, TREE stands for the test's tree and KEY for the key.
+  std::string Shown(std::string command, const std::string& key = "/r",
+                    const RunOptions& options = {}) const;
+
   /// The commands of the last run, as Describe writes flights.
   std::string Sent() const { return Describe(recording.flights); }
 
@@ -44,6 +49,9 @@ class SystemTest : public testing::Test {
 
   /// Called with the Recorder of each run before the program starts, for planned faults.
   std::function<void(Recorder&)> plan;
+  /// A command that each run is a part of: a program with its arguments, which becomes the program
+  /// under test without another process.
+  std::vector<std::string> launcher;
   /// The runtime files of each run; their socket is the Recorder's unless the test publishes its
   /// own.
   bool publishes_socket = true;
