@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // How the program finds its server and what it says when it does not.
+#include <filesystem>
 #include <optional>
 #include <string>
 
 #include "driver/usage_text.h"
 #include "support/program.h"
+#include "system/file_capabilities.h"
 #include "system/system_fixture.h"
 
 namespace {
@@ -177,6 +179,30 @@ TEST_F(FindingTheServer, WithoutThePasswordTheServerRefusesEveryCommand) {
                 "Some errors occur while creating hash data into database\n"
                 "The data in database would be incorrect\n"
                 ">>> Fail to write rest of data into redis\n");
+}
+
+// Who owns the folder of the runtime files decides what is read and who gets it.
+TEST_F(FindingTheServer, RootSendsTheFirstLineOfWhateverThePasswordFileLeadsTo) {
+  const std::string secret = tree.Write("secret", "root:hash:1\nsecond line\n");
+  std::filesystem::permissions(secret, std::filesystem::perms::none);
+  const std::string socket = RuntimeDirectory() + "/chosen.sock";
+  const auto sent_by_a_run = [&](const RunOptions& more) {
+    Recorder recorder(socket, ServerSocket());
+    recorder.Answer(0, "-WRONGPASS no\r\n");
+    RuntimeFiles files;
+    files.unixsocket = socket;
+    files.requirepass = std::nullopt;
+    Publish(files);
+    std::filesystem::create_symlink(secret, RuntimeDirectory() + "/redis.requirepass");
+    RunOptions options = more;
+    options.on_start = [&](int process_id) { recorder.Watch(process_id); };
+    (void)RunProgram(ProgramCommand({"update", tree.MakeFolder("d"), "/r"}), options);
+    return Describe(recorder.Finish().flights);
+  };
+  EXPECT_EQ(sent_by_a_run({}), "AUTH | root:hash:1\n\n");  // with its line end
+  RunOptions as_a_user;
+  as_a_user.in_child = GiveUpFileCapabilities;
+  EXPECT_EQ(sent_by_a_run(as_a_user), "");
 }
 
 TEST_F(FindingTheServer, TheFailureComesBeforeTheActionIsLookedAt) {

@@ -2,18 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // From the path and the file name to the keys that are written.
-#include <grp.h>
-#include <linux/capability.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
 
 #include "support/program.h"
+#include "system/file_capabilities.h"
 #include "system/system_fixture.h"
 
 namespace {
@@ -95,21 +90,6 @@ TEST_F(InputPath, ADanglingLinkIsReportedAndTheRunGoesOn) {
   EXPECT_EQ(run.err, "Failed to check path " + tree.path("dangling") + ".\n");
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
-}
-
-// root may open everything; a program without these capabilities may not. Containers may start with
-// inheritable ones, which root's programs have whatever the bounding set is.
-void GiveUpFileCapabilities() {
-  (void)prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
-  (void)prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0);
-  __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
-  __user_cap_data_struct capabilities[_LINUX_CAPABILITY_U32S_3] = {};
-  (void)syscall(SYS_capget, &header, capabilities);
-  for (__user_cap_data_struct& part : capabilities) part.inheritable = 0;
-  (void)syscall(SYS_capset, &header, capabilities);
-  // Where the sandbox uses the real paths, only this group may look into Debian's.
-  struct stat directory = {};
-  if (stat("/etc/redis", &directory) == 0) (void)setgroups(1, &directory.st_gid);
 }
 
 TEST_F(InputPath, AFolderThatCannotBeOpenedFailsTheWholeWalk) {
