@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -153,6 +154,7 @@ TEST_F(HostileTree, LinksToFilesAndFoldersAreFollowed) {
   EXPECT_EQ(store.Dump(), "hash | /r | A | 1\nhash | /r/link | A | 2\n");
 }
 
+// STATUS 0 DOES NOT MEAN: The file is a FIFO, a socket or a device
 TEST_F(HostileTree, OnlyRegularFilesAreOpened) {
   tree.Write("a/index.json", R"({"A": 1})");
   MakeFifo("index.json");
@@ -172,6 +174,14 @@ TEST_F(HostileTree, OnlyRegularFilesAreOpened) {
     Load({action, tree.path(), "/r"});
     EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
   }
+  std::string shown = Shown("find -L TREE -name index.json ! -type f ! -type d");
+  for (const char* name : {"index.json", "zero/index.json", "socket/index.json"}) {
+    const std::string line = tree.path(name) + "\n";
+    const std::size_t found = shown.find(line);
+    ASSERT_NE(found, std::string::npos) << line;
+    shown.erase(found, line.size());
+  }
+  EXPECT_EQ(shown, "");
   for (const char* name : {"index.json", "zero/index.json", "socket/index.json"}) {
     ExpectFailure({"update", tree.path(name), "/r"}, "Input path should be a file or directory\n");
   }

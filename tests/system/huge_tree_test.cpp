@@ -108,6 +108,7 @@ TEST_F(HugeTree, AFileWhosePathJustFitsIsLoaded) {
   (void)close(folder.descriptor);
 }
 
+// STATUS 0 DOES NOT MEAN: A path is longer than 4095 bytes
 TEST_F(HugeTree, AFileWhosePathIsOneByteTooLongIsReportedAndPassedOver) {
   tree.Write("index.json", R"({"A": 1})");
   const std::string file_name = "/index.json";
@@ -120,6 +121,7 @@ TEST_F(HugeTree, AFileWhosePathIsOneByteTooLongIsReportedAndPassedOver) {
   EXPECT_EQ(run.err, message);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+  EXPECT_EQ(Shown("find -L TREE | LC_ALL=C awk 'length > 4095'"), folder.path + file_name + "\n");
   ExpectFailure({"update", folder.path + file_name, "/r"},
                 message + "Input path should be a file or directory\n");
 }

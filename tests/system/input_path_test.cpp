@@ -4,6 +4,7 @@
 // From the path and the file name to the keys that are written.
 #include <sys/resource.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -90,6 +91,30 @@ TEST_F(InputPath, ADanglingLinkIsReportedAndTheRunGoesOn) {
   EXPECT_EQ(run.err, "Failed to check path " + tree.path("dangling") + ".\n");
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
+}
+
+// STATUS 0 DOES NOT MEAN: A folder cannot be entered
+TEST_F(InputPath, AFolderThatCannotBeEnteredIsReportedNameByNameAndPassedOver) {
+  tree.Write("index.json", R"({"A": 1})");
+  tree.Write("listed/index.json", R"({"A": 2})");
+  std::filesystem::permissions(tree.path("listed"), std::filesystem::perms::owner_read);
+  RunOptions options;
+  options.in_child = GiveUpFileCapabilities;
+  for (const char* action : {"create", "update"}) {
+    const Finished run = Ostrafel({action, tree.path(), "/r"}, options);
+    EXPECT_EQ(run.out, kSuccessLine);
+    std::size_t size = 0;  // the lines are in the order of the listing
+    for (const char* name : {".", "..", "index.json"}) {
+      const std::string line = "Failed to check path " + tree.path("listed/") + name + ".\n";
+      EXPECT_NE(run.err.find(line), std::string::npos) << run.err;
+      size += line.size();
+    }
+    EXPECT_EQ(run.err.size(), size) << run.err;
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+  }
+  EXPECT_EQ(Shown("find -L TREE -type d ! -executable", "", options), tree.path("listed") + "\n");
+  std::filesystem::permissions(tree.path("listed"), std::filesystem::perms::owner_all);
 }
 
 TEST_F(InputPath, AFolderThatCannotBeOpenedFailsTheWholeWalk) {

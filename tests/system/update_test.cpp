@@ -212,6 +212,7 @@ TEST_F(Update, ARefusedHexistsCountsAsNotInline) {
   EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 1\nhash | /r | &&ObjectRef A /x | \n");
 }
 
+// STATUS 0 DOES NOT MEAN: A number equals the index of an element after it
 TEST_F(Update, EqualNumbersThatAFullBatchPushedAreRemovedAgain) {
   // The array's own flush pushes its first 2000 values; the removal of elements equal to the index
   // of a later object then takes the equal number away.
@@ -224,6 +225,7 @@ TEST_F(Update, EqualNumbersThatAFullBatchPushedAreRemovedAgain) {
   EXPECT_EQ(list.size(), 2001U);  // 2001 numbers less "2001", and the object's record
   EXPECT_EQ(std::count(list.begin(), list.end(), "2001"), 0);
   EXPECT_EQ(list.back(), "&&Object &&/r/A/2001");
+  EXPECT_EQ(Shown("redis-cli llen KEY", "&&/r/A"), "2001\n");
 }
 
 TEST_F(Update, ASubtreeIsScannedOncePerRun) {

@@ -1,0 +1,286 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+// Runs that end with status 0 although the store is not what the tree says. Ostrafel(1) lists them
+// under STATUS 0 DOES NOT MEAN; a comment above each test names the case as that page does, and
+// tests/man/manual_test looks for it. What the page says to look at is run here.
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/scoped_setting.h"
+#include "system/system_fixture.h"
+
+namespace {
+
+class StatusZero : public SystemTest {
+ protected:
+  StatusZero() { (void)store.Run("CONFIG | RESETSTAT"); }
+  ~StatusZero() override { Allow(); }
+
+  void Refuse(const std::string& command) {
+    (void)store.Run(model::Command{"ACL", "SETUSER", "default", "-" + command});
+  }
+  void Allow() { (void)store.Run("ACL | SETUSER | default | +@all"); }
+
+  // Loads this document to /r: status 0 and not a word on standard error.
+  void LoadDocument(const char* action, const std::string& document) {
+    Load({action, tree.Write("a.json", document), "/r"});
+  }
+
+  // That the command is refused where it is, and answered where it is not.
+  void ExpectRefusalShown(const std::string& command) {
+    EXPECT_EQ(Shown(command).rfind("NOPERM ", 0), 0U) << command;
+    Allow();
+    EXPECT_EQ(Shown(command).find("NOPERM"), std::string::npos) << command;
+  }
+};
+
+TEST_F(StatusZero, AGoodLoadIsAnsweredWithoutAnError) {
+  LoadDocument("create", R"({"A": {"x": 1}, "B": [1, {"y": [2]}], "C": {"@odata.id": "/l"}})");
+  LoadDocument("update", R"({"A": [1], "B": {"@odata.id": "/m"}, "C": {"x": 1}, "D": null})");
+  EXPECT_EQ(Shown("redis-cli info errorstats | grep errorstat_"), "");
+}
+
+// STATUS 0 DOES NOT MEAN: KEYS or DEL is refused
+TEST_F(StatusZero, WithoutKeysOrDelEveryCreateAppendsToEveryArrayAndKeepsOldMembers) {
+  const std::vector<std::pair<std::string, std::string>> refusals = {
+      {"keys", "redis-cli keys /none"}, {"del", "redis-cli del /none"}};
+  for (const auto& [command, look] : refusals) {
+    SCOPED_TRACE(command);
+    (void)store.Run("FLUSHALL");
+    LoadDocument("create", R"({"Old": 1, "A": [1, 2]})");
+    Refuse(command);
+    LoadDocument("create", R"({"A": [3]})");
+    LoadDocument("create", R"({"A": [3]})");
+    ExpectRefusalShown(look);
+    EXPECT_EQ(store.Dump(),
+              "list | &&/r/A | 1\n"
+              "list | &&/r/A | 2\n"
+              "list | &&/r/A | 3\n"
+              "list | &&/r/A | 3\n"
+              "hash | /r | &&Array A &&/r/A | \n"
+              "hash | /r | Old | 1\n");
+  }
+}
+
+// What an update does to a store without one of the commands by which it asks what is there.
+struct Refusal {
+  std::string command;
+  std::string look;      // what the page says to look at
+  std::string document;  // of the update
+  std::string dump;
+};
+
+// STATUS 0 DOES NOT MEAN: TYPE is refused
+// STATUS 0 DOES NOT MEAN: SCAN is refused
+// STATUS 0 DOES NOT MEAN: HSCAN is refused
+// STATUS 0 DOES NOT MEAN: HEXISTS is refused
+TEST_F(StatusZero, AnUpdateThatMayNotAskLeavesOldBesideNewOrNeither) {
+  const std::string first =
+      R"({"O": {"x": 1, "y": {"z": 1}}, "L": [{"p": 1}, 2], "R": {"@odata.id": "/l"}, "last": 0})";
+  const std::string others = R"({"O": [7], "L": 1, "R": [3], "last": 1})";
+  const std::vector<Refusal> refusals = {
+      // Objects, arrays and links stay as they were; a scalar stands beside the old array.
+      {"type", "redis-cli type /none", others,
+       "list | &&/r/L | &&Object &&/r/L/0\n"
+       "list | &&/r/L | 2\n"
+       "hash | &&/r/L/0 | p | 1\n"
+       "hash | &&/r/O | &&Object y &&/r/O/y | \n"
+       "hash | &&/r/O | x | 1\n"
+       "hash | &&/r/O/y | z | 1\n"
+       "hash | /r | &&Array L &&/r/L | \n"
+       "hash | /r | &&Object O &&/r/O | \n"
+       "hash | /r | &&ObjectRef R /l | \n"
+       "hash | /r | L | 1\n"
+       "hash | /r | last | 1\n"},
+      // The old key is gone, and its record and what lies below it stay.
+      {"scan", "redis-cli scan 0 count 1", others,
+       "hash | &&/r/L/0 | p | 1\n"
+       "hash | &&/r/O/y | z | 1\n"
+       "list | &&/r/R | 3\n"
+       "hash | /r | &&Array L &&/r/L | \n"
+       "hash | /r | &&Array R &&/r/R | \n"
+       "hash | /r | &&Object O &&/r/O | \n"
+       "hash | /r | L | 1\n"
+       "hash | /r | last | 1\n"},
+      // Where nothing was found to be removed the link is stored as an object at the key it names.
+      {"scan", "redis-cli scan 0 count 1", R"({"O": {"@odata.id": "/m"}, "last": 1})",
+       "list | &&/r/L | &&Object &&/r/L/0\n"
+       "list | &&/r/L | 2\n"
+       "hash | &&/r/L/0 | p | 1\n"
+       "hash | &&/r/O/y | z | 1\n"
+       "hash | /m | @odata.id | \"/m\"\n"
+       "hash | /r | &&Array L &&/r/L | \n"
+       "hash | /r | &&Object O /m | \n"
+       "hash | /r | &&ObjectRef R /l | \n"
+       "hash | /r | last | 1\n"},
+      // The old object is gone and the new array not there; the old link stays.
+      {"hscan", "redis-cli hscan /none 0", others,
+       "hash | /r | &&ObjectRef R /l | \n"
+       "hash | /r | L | 1\n"
+       "hash | /r | last | 1\n"},
+      // So is the record of an object that stays one.
+      {"hscan", "redis-cli hscan /none 0", R"({"O": {"x": 2}, "last": 1})",
+       "list | &&/r/L | &&Object &&/r/L/0\n"
+       "list | &&/r/L | 2\n"
+       "hash | &&/r/L/0 | p | 1\n"
+       "hash | &&/r/O | &&Object y &&/r/O/y | \n"
+       "hash | &&/r/O | x | 1\n"
+       "hash | &&/r/O/y | z | 1\n"
+       "hash | /r | &&Array L &&/r/L | \n"
+       "hash | /r | &&ObjectRef R /l | \n"
+       "hash | /r | last | 1\n"},
+      // The object's hashes stay, without a record.
+      {"hexists", "redis-cli hexists /none x", R"({"O": {"@odata.id": "/m"}, "last": 1})",
+       "list | &&/r/L | &&Object &&/r/L/0\n"
+       "list | &&/r/L | 2\n"
+       "hash | &&/r/L/0 | p | 1\n"
+       "hash | &&/r/O | &&Object y &&/r/O/y | \n"
+       "hash | &&/r/O | x | 1\n"
+       "hash | &&/r/O/y | z | 1\n"
+       "hash | /r | &&Array L &&/r/L | \n"
+       "hash | /r | &&ObjectRef O /m | \n"
+       "hash | /r | &&ObjectRef R /l | \n"
+       "hash | /r | last | 1\n"},
+  };
+  for (const Refusal& refusal : refusals) {
+    SCOPED_TRACE(refusal.command);
+    (void)store.Run("FLUSHALL");
+    LoadDocument("create", first);
+    Refuse(refusal.command);
+    LoadDocument("update", refusal.document);
+    ExpectRefusalShown(refusal.look);
+    EXPECT_EQ(store.Dump(), refusal.dump);
+  }
+}
+
+// Scalars "m0" onwards, which make more than one batch, and an array.
+std::string ManyMembers(int count) {
+  std::string text = "{";
+  for (int i = 0; i < count; ++i) text += "\"m" + std::to_string(i) + "\": 1, ";
+  return text + R"("L": [1]})";
+}
+
+// STATUS 0 DOES NOT MEAN: A write is refused for a moment
+TEST_F(StatusZero, WritesThatAreRefusedForAMomentAreMissingAndSaidOnStandardErrorOnly) {
+  plan = [this](Recorder& recorder) {
+    recorder.Before(3, [this] { (void)store.Run("CONFIG | SET | maxmemory | 1"); });
+    recorder.Before(4, [this] { (void)store.Run("CONFIG | SET | maxmemory | 0"); });
+  };
+  const Finished run = Ostrafel({"create", tree.Write("a.json", ManyMembers(2002)), "/r"});
+  (void)store.Run("CONFIG | SET | maxmemory | 0");
+  EXPECT_EQ(run.out, kSuccessLine);
+  EXPECT_EQ(run.err,
+            "Some errors occur while creating hash data into database\n"
+            "The data in database would be incorrect\n");
+  EXPECT_EQ(run.status, 0);
+  // The batch that was refused and the member that would not fit into it.
+  EXPECT_EQ(store.Dump(),
+            "list | &&/r/L | 1\n"
+            "hash | /r | &&Array L &&/r/L | \n"
+            "hash | /r | m2001 | 1\n");
+  EXPECT_NE(Shown("redis-cli info errorstats").find("errorstat_OOM:count=2000"), std::string::npos);
+}
+
+// STATUS 0 DOES NOT MEAN: Redis evicts keys
+TEST_F(StatusZero, KeysThatRedisEvictsAreMissing) {
+  constexpr int kObjects = 6000;
+  const std::string info = store.Run("INFO | memory").text;
+  const std::string name = "used_memory:";
+  const long used = std::stol(info.substr(info.find(name) + name.size()));
+  const ScopedSetting policy(&store, "maxmemory-policy", "allkeys-lru");
+  const ScopedSetting memory(&store, "maxmemory", std::to_string(used + 3'000'000));
+  std::string document = "{";
+  for (int i = 0; i < kObjects; ++i) {
+    document += (i == 0 ? "\"m" : ", \"m") + std::to_string(i) + R"(": {"v": ")" +
+                std::string(1000, 'v') + "\"}";
+  }
+  LoadDocument("create", document + "}");
+  const long long stored = store.Run("DBSIZE").integer;
+  EXPECT_LT(stored, kObjects + 1);
+  const std::string name_of_evicted = "evicted_keys:";
+  const std::string evicted = Shown("redis-cli info stats | grep evicted_keys");
+  ASSERT_EQ(evicted.rfind(name_of_evicted, 0), 0U);
+  EXPECT_GE(std::stoll(evicted.substr(name_of_evicted.size())), kObjects + 1 - stored);
+  EXPECT_EQ(Shown("redis-cli config get maxmemory-policy"), "maxmemory-policy\nallkeys-lru\n");
+}
+
+// STATUS 0 DOES NOT MEAN: Somebody empties or swaps the database
+TEST_F(StatusZero, WhatSomebodyElseRemovesDuringTheRunIsMissing) {
+  for (const char* command : {"FLUSHALL", "FLUSHDB", "SWAPDB | 0 | 1"}) {
+    SCOPED_TRACE(command);
+    (void)store.Run("FLUSHALL");
+    (void)store.Run("CONFIG | RESETSTAT");
+    EXPECT_EQ(Shown("redis-cli info commandstats | grep -E 'flush|swapdb'"), "");
+    // Between the hashes and the lists.
+    plan = [&](Recorder& recorder) {
+      recorder.Before(4, [&, command] { (void)store.Run(std::string(command)); });
+    };
+    LoadDocument("create", R"({"A": [1], "B": {"x": 1}})");
+    EXPECT_EQ(store.Dump(), "list | &&/r/A | 1\n");
+    EXPECT_NE(Shown("redis-cli info commandstats | grep -E 'flush|swapdb'"), "");
+  }
+}
+
+// STATUS 0 DOES NOT MEAN: No file has the name
+TEST_F(StatusZero, ACreateThatFindsNoFileLeavesNothing) {
+  tree.Write("index.json", R"({"A": 1})");
+  Load({"create", tree.path(), "/r"});
+  EXPECT_EQ(Shown("find -L TREE -name index.json"), tree.path("index.json") + "\n");
+  Load({"create", tree.path(), "/r", "Index.json"});
+  EXPECT_EQ(store.Dump(), "");
+}
+
+// STATUS 0 DOES NOT MEAN: A member before the last fails
+TEST_F(StatusZero, AMemberBeforeTheLastIsMissing) {
+  LoadDocument("create", R"({"A": 1, "Bad": {"x": 1, "@odata.id": 2}, "last": 1})");
+  EXPECT_EQ(Shown("redis-cli hkeys KEY"), "A\nlast\n");
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\nhash | /r | last | 1\n");
+  // Around it, what comes after it is missing, too, and an array's record is what comes last.
+  LoadDocument("create", R"({"O": {"A": 1, "Bad": {"x": 1, "@odata.id": 2}, "B": 1},
+                             "L": [1, {"x": 1, "@odata.id": 2}, 2], "last": 1})");
+  EXPECT_EQ(store.Dump(),
+            "list | &&/r/L | 1\n"
+            "hash | &&/r/O | A | 1\n"
+            "hash | /r | &&Object O &&/r/O | \n"
+            "hash | /r | last | 1\n");
+}
+
+// STATUS 0 DOES NOT MEAN: An array becomes an object with objects, arrays or links
+TEST_F(StatusZero, AnArrayThatBecomesAnObjectOfObjectsIsStoredUpToTheFirst) {
+  for (const char* inner : {R"({"z": 1})", "[1]", R"({"@odata.id": "/l"})"}) {
+    SCOPED_TRACE(inner);
+    LoadDocument("create", R"({"A": [1], "last": 1})");
+    LoadDocument("update",
+                 R"({"A": {"x": 1, "y": )" + std::string(inner) + R"(, "z": 3}, "last": 2})");
+    EXPECT_EQ(Shown("redis-cli hkeys KEY", "&&/r/A"), "x\n");
+    EXPECT_EQ(store.Dump(),
+              "hash | &&/r/A | x | 1\n"
+              "hash | /r | &&Object A &&/r/A | \n"
+              "hash | /r | last | 2\n");
+  }
+}
+
+// STATUS 0 DOES NOT MEAN: An integer does not fit into 32 bits
+TEST_F(StatusZero, AnIntegerBeyond32BitsIsTheNearestThatFits) {
+  LoadDocument("create", R"({"A": 3000000000, "B": -3000000000})");
+  EXPECT_EQ(Shown("redis-cli hgetall KEY"), "A\n2147483647\nB\n-2147483648\n");
+}
+
+// STATUS 0 DOES NOT MEAN: Two files claim one key
+TEST_F(StatusZero, OfTwoFilesForOneKeyTheFirstReadIsStored) {
+  for (const char* folder : {"a", "b"}) {
+    tree.Write(folder + std::string("/index.json"),
+               R"({"@odata.id": "/same", "From": ")" + std::string(folder) + "\"}");
+  }
+  const std::filesystem::directory_iterator listing(tree.path());
+  const std::string first = listing->path().filename().string();
+  Load({"create", tree.path(), "/r"});
+  EXPECT_NE(Shown("redis-cli hgetall KEY", "/same").find("From\n\"" + first + "\"\n"),
+            std::string::npos);
+  EXPECT_EQ(store.Run("DBSIZE").integer, 1);
+}
+
+}  // namespace
