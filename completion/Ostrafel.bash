@@ -101,46 +101,71 @@ _ostrafel_walk() {
   done
 }
 
-# Prints the "@odata.id" of a file's root object, when it is found near the start and a text of plain
-# characters. Members of other objects with the same name do not count.
+# Sets the caller's id to the "@odata.id" of a file's root object, when it is found near the start
+# and a text of plain characters. Members of other objects with the same name do not count. A file
+# may be made to be slow to read, so the work is counted: the caller's left says how much may still
+# be done.
 _ostrafel_root_id() {
-  head -c 65536 -- "$1" 2>/dev/null | LC_ALL=C awk '
-    # Returns what a text in quotes stands for; nothing when that is no plain character.
-    function unescaped(text,    result, c) {
-      result = ""
-      text = substr(text, 2, length(text) - 2)
-      while (match(text, /\\./)) {
-        result = result substr(text, 1, RSTART - 1)
-        c = substr(text, RSTART + 1, 1)
-        if (c !~ /["\\\/]/) return ""
-        result = result c
-        text = substr(text, RSTART + 2)
+  local found
+  found=$(
+    { head -c 65536 -- "$1" && echo; } 2>/dev/null | LC_ALL=C awk -v "left=$left" '
+      # Returns what a text stands for; nothing when that is no plain character, or too long.
+      function unescaped(text,    result, c) {
+        if (length(text) > 1024) return ""
+        while (match(text, /\\./)) {
+          c = substr(text, RSTART + 1, 1)
+          if (c !~ /["\\\/]/) return ""
+          result = result substr(text, 1, RSTART - 1) c
+          text = substr(text, RSTART + 2)
+        }
+        result = result text
+        return result ~ /[\001-\037\177]/ ? "" : result
       }
-      result = result text
-      return result ~ /[\001-\037\177]/ ? "" : result
-    }
-    {
-      while (match($0, /"([^"\\]|\\.)*"|[][{}:,]/)) {
-        token = substr($0, RSTART, RLENGTH)
-        $0 = substr($0, RSTART + RLENGTH)
-        if (!depth && token != "{") exit
-        if (is_wanted && token ~ /^"/) { print unescaped(token); exit }
-        is_wanted = depth == 1 && token == ":" && last == "\"@odata.id\""
-        if (token ~ /[{[]/ && token !~ /^"/) ++depth
-        if (token ~ /[]}]/ && token !~ /^"/ && !--depth) exit
-        last = token
+      # Whether the quote behind a text is escaped: an odd number of backslashes stands before it.
+      function ends_in_escape(text,    i) {
+        text = substr(text, length(text) < 1024 ? 1 : length(text) - 1023)
+        for (i = length(text); i > 0 && substr(text, i, 1) == "\\"; --i) --left
+        return (length(text) - i) % 2
       }
-    }'
+      function count_brackets(piece,    i) {
+        gsub(/[^][{}]+/, "", piece)
+        left -= length(piece)
+        for (i = 1; i <= length(piece); ++i) {
+          if (index("{[", substr(piece, i, 1))) ++depth
+          else if (!--depth) exit
+        }
+      }
+      # A record is what stands between two quotes: a text, or what is between two texts. Long ones
+      # are cut into pieces, as some awks look through all of a text to find a part of it.
+      BEGIN { RS = "\"" }
+      NR == 1 && !/^[^][{}:,]*[{]/ { exit }
+      (left -= 2 + int(length($0) / 16)) <= 0 { exit }
+      in_text {
+        text = substr(text $0, 1, 1025)
+        if (ends_in_escape($0)) text = text "\""
+        else in_text = 0
+        next
+      }
+      is_wanted { id = unescaped(text); exit }
+      {
+        is_wanted = depth == 1 && text == "@odata.id" && /^[^][{}:,]*:[^][{}:,]*$/
+        for (i = 1; i <= length($0) && left > 0; i += 64) count_brackets(substr($0, i, 64))
+        text = ""
+        in_text = 1
+      }
+      END { print (left > 0 ? left : 0), id }'
+  )
+  left=${found%% *} id=${found#* }
 }
 
-# For _ostrafel_walk, with the caller's tree, name and files: sets uri and returns 0 when the
+# For _ostrafel_walk, with the caller's tree, name, files and left: sets uri and returns 0 when the
 # folder's file tells which.
 _ostrafel_find_uri() {
   local file=$tree$1/$name id
   [[ -f $file && -r $file ]] || return 1
   # A glance at some files, no search.
-  ((++files <= 16)) || return 0
-  id=$(_ostrafel_root_id "$file")
+  ((++files <= 16 && left > 0)) || return 0
+  _ostrafel_root_id "$file"
   [[ ! $1 ]] || id=${id%/}
   [[ $id == ?*"$1" ]] || return 1
   uri=${id%"$1"}
@@ -197,9 +222,10 @@ _ostrafel_offer_paths() {
 }
 
 _ostrafel_offer_uri() {
-  local tree=$1 name=${2:-index.json} uri='' files=0
+  local tree=$1 name=${2:-index.json} uri='' id files=0 left=32768
   if [[ -f $tree && -r $tree ]]; then
-    uri=$(_ostrafel_root_id "$tree")
+    _ostrafel_root_id "$tree"
+    uri=$id
   elif [[ -d $tree ]]; then
     _ostrafel_walk "$tree" _ostrafel_find_uri
   fi

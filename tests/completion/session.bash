@@ -46,6 +46,35 @@ make_folder() {
   echo 'not for Ostrafel' >"$folder/notes.txt"
 }
 
+# Trees of 16 files of 64 KiB, the most that is looked at, of what a reader may be slow at; in each
+# but the last, which is a long collection as it may really be, no file tells a URI.
+make_slow_trees() {
+  local folder=$1 name start pattern
+  while read -r name start pattern; do
+    mkdir -p "$folder/$name"/{1..15}
+    while ((${#pattern} < 65536)); do pattern+=$pattern; done
+    pattern=$start$pattern
+    printf '%s' "${pattern:0:65536}" | tee "$folder/$name"/{,{1..15}/}index.json >/dev/null
+  done <<'TREES'
+brackets {"A": [
+pairs {"A": []
+objects { "A":{},
+quotes {"A": "
+texts {"A":[ "",
+one-text {"A":" a
+backslashes {"A":" \\\\
+escaped-quotes {"A":" \"
+ids { "@odata.id":{},
+long-id {"@odata.id":" \/
+TREES
+  mkdir "$folder/collection"
+  {
+    printf '{\n    "Members": [\n'
+    printf '        {\n            "@odata.id": "/v4/%s"\n        },\n' {1..1100}
+    printf '        {}\n    ],\n    "@odata.id": "/v4"\n}\n'
+  } >"$folder/collection/index.json"
+}
+
 # start_session COMMAND: starts a shell. What it says is in $work/typescript.
 start_session() {
   rm -f "$work/keys"
