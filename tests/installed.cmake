@@ -12,6 +12,7 @@ foreach(script
     completion/bash_test
     completion/zsh_test
     man/manual_test
+    service/examine_test
     service/publish_test
     service/reading_test
     service/units_test

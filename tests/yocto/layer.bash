@@ -42,7 +42,7 @@ image=$work/image
 
 of() {
   "$root/tests/yocto/recipe.py" "$1" PN=ostrafel BPN=ostrafel BP=ostrafel-1 \
-    WORKDIR="$work" D="$image" OSTRAFEL_LAYERDIR="$layer" bindir=/usr/bin sbindir=/usr/sbin \
+    WORKDIR="$work" D="$image" OSTRAFEL_LAYERDIR="$layer" bindir=/usr/bin sbindir=/usr/sbin libexecdir=/usr/libexec \
     sysconfdir=/etc datadir=/usr/share systemd_system_unitdir=/usr/lib/systemd/system "${@:4}" -- "$2" "$3"
 }
 

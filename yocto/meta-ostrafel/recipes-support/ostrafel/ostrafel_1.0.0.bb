@@ -36,7 +36,7 @@ PACKAGECONFIG[manpages] = "-DOSTRAFEL_MANUAL=ON,-DOSTRAFEL_MANUAL=OFF,scdoc-nati
 # SYSTEMD_SERVICE names none of the units. Redis's start pulls the publisher and the target in, by
 # links in the package; what SYSTEMD_SERVICE names is started again by an upgrade, which would load
 # the trees over what has changed since; and a template that it names is disabled, with its instances.
-FILES:${PN} += "${systemd_system_unitdir}"
+FILES:${PN} += "${systemd_system_unitdir} ${libexecdir}/ostrafel"
 
 PACKAGES =+ "${PN}-zsh-completion"
 FILES:${PN}-zsh-completion = "${datadir}/zsh"
