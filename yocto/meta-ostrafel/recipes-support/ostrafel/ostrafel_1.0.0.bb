@@ -41,5 +41,6 @@ FILES:${PN} += "${systemd_system_unitdir} ${libexecdir}/ostrafel"
 PACKAGES =+ "${PN}-zsh-completion"
 FILES:${PN}-zsh-completion = "${datadir}/zsh"
 
-# By name: without it, hiredis may bring another server.
-RDEPENDS:${PN} += "redis"
+# By name: without it, hiredis may bring another server. Of util-linux only what locks: BusyBox may be
+# without it.
+RDEPENDS:${PN} += "redis util-linux-flock"
