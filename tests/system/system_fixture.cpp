@@ -66,5 +66,6 @@ std::string SystemTest::Shown(std::string command, const std::string& key,
     const std::size_t found = command.find(name);
     if (found != std::string::npos) command.replace(found, name.size(), "'" + value + "'");
   }
-  return RunProgram({"/bin/sh", "-c", command}, options).out;
+  // FAKETTY would have redis-cli print as on a terminal.
+  return RunProgram({"/usr/bin/env", "-u", "FAKETTY", "/bin/sh", "-c", command}, options).out;
 }
