@@ -22,7 +22,7 @@ struct Pipeline {
 };
 
 /// So many commands go out together while the rest is formatted, so that the server works
-/// meanwhile: some 30 KB of usual commands. Shorter pipelines, the most, are one write.
+/// meanwhile: some 30 KB of usual commands. Most pipelines are shorter: one write.
 constexpr std::size_t kPieceLength = 256;
 
 /// Sends what waits in the context, if that has not failed.
