@@ -116,6 +116,16 @@ TEST_F(StatusZero, AnUpdateThatMayNotAskLeavesOldBesideNewOrNeither) {
        "hash | /r | &&Object O /m | \n"
        "hash | /r | &&ObjectRef R /l | \n"
        "hash | /r | last | 1\n"},
+      // Arrays are rebuilt whole, so an unchanged one loses its key as well.
+      {"scan", "redis-cli scan 0 count 1", R"({"L": [{"p": 1}, 2], "last": 1})",
+       "hash | &&/r/L/0 | p | 1\n"
+       "hash | &&/r/O | &&Object y &&/r/O/y | \n"
+       "hash | &&/r/O | x | 1\n"
+       "hash | &&/r/O/y | z | 1\n"
+       "hash | /r | &&Array L &&/r/L | \n"
+       "hash | /r | &&Object O &&/r/O | \n"
+       "hash | /r | &&ObjectRef R /l | \n"
+       "hash | /r | last | 1\n"},
       // The old object is gone and the new array not there; the old link stays.
       {"hscan", "redis-cli hscan /none 0", others,
        "hash | /r | &&ObjectRef R /l | \n"
@@ -156,6 +166,39 @@ TEST_F(StatusZero, AnUpdateThatMayNotAskLeavesOldBesideNewOrNeither) {
   }
 }
 
+// STATUS 0 DOES NOT MEAN: TYPE is refused
+// STATUS 0 DOES NOT MEAN: SCAN is refused
+// STATUS 0 DOES NOT MEAN: HSCAN is refused
+TEST_F(StatusZero, ALinkThatIsNotWrittenKeepsWhatItNamesFromBeingStored) {
+  // The link first, then what it names.
+  const std::string document =
+      R"({"O": {"@odata.id": "/l"}, "P": {"@odata.id": "/l", "y": 1}, "last": 1})";
+  for (const char* command : {"type", "scan", "hscan"}) {
+    SCOPED_TRACE(command);
+    (void)store.Run("FLUSHALL");
+    LoadDocument("create", R"({"O": {"x": 1}, "last": 0})");
+    Refuse(command);
+    LoadDocument("update", document);
+    Allow();
+    EXPECT_EQ(store.Run("HEXISTS | /l | y").integer, 0);
+  }
+  LoadDocument("update", document);
+  EXPECT_EQ(store.Run("HEXISTS | /l | y").integer, 1);
+}
+
+// STATUS 0 DOES NOT MEAN: KEYS or DEL is refused
+TEST_F(StatusZero, ACommandThatWasRefusedForAMomentIsCountedThoughItAnswersAgain) {
+  LoadDocument("create", R"({"A": [1]})");
+  plan = [this](Recorder& recorder) {
+    recorder.Before(0, [this] { Refuse("keys"); });
+    recorder.Before(3, [this] { Allow(); });
+  };
+  LoadDocument("create", R"({"A": [1]})");
+  EXPECT_EQ(Shown("redis-cli lrange KEY 0 -1", "&&/r/A"), "1\n1\n");
+  EXPECT_EQ(Shown("redis-cli keys /none").find("NOPERM"), std::string::npos);
+  EXPECT_NE(Shown("redis-cli info errorstats").find("errorstat_NOPERM:count=3"), std::string::npos);
+}
+
 // Scalars "m0" onwards, which make more than one batch, and an array.
 std::string ManyMembers(int count) {
   std::string text = "{";
@@ -163,7 +206,7 @@ std::string ManyMembers(int count) {
   return text + R"("L": [1]})";
 }
 
-// STATUS 0 DOES NOT MEAN: A write is refused for a moment
+// STATUS 0 DOES NOT MEAN: Some writes are refused
 TEST_F(StatusZero, WritesThatAreRefusedForAMomentAreMissingAndSaidOnStandardErrorOnly) {
   plan = [this](Recorder& recorder) {
     recorder.Before(3, [this] { (void)store.Run("CONFIG | SET | maxmemory | 1"); });
@@ -182,6 +225,25 @@ TEST_F(StatusZero, WritesThatAreRefusedForAMomentAreMissingAndSaidOnStandardErro
             "hash | /r | &&Array L &&/r/L | \n"
             "hash | /r | m2001 | 1\n");
   EXPECT_NE(Shown("redis-cli info errorstats").find("errorstat_OOM:count=2000"), std::string::npos);
+}
+
+// STATUS 0 DOES NOT MEAN: Some writes are refused
+TEST_F(StatusZero, WritesToAKeyOfAnotherTypeAreMissingWhenOthersAreSentLater) {
+  (void)store.Run("RPUSH | /other | 1");
+  const std::string others = ManyMembers(2001).substr(1);
+  const std::string document = R"({"O": {"@odata.id": "/other", "x": 1}, )" + others;
+  const Finished run = Ostrafel({"create", tree.Write("a.json", document), "/r"});
+  EXPECT_EQ(run.out, kSuccessLine);
+  EXPECT_EQ(run.err,
+            "Some errors occur while creating hash data into database\n"
+            "The data in database would be incorrect\n");
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(store.Run("LLEN | /other").integer, 1);
+  // All but the member that would not fit into the batch with the record and the two of the object.
+  EXPECT_EQ(store.Run("HLEN | /r").integer, 1 + 2000 + 1);
+  EXPECT_EQ(store.Run("HEXISTS | /r | m1997").integer, 0);
+  EXPECT_NE(Shown("redis-cli info errorstats").find("errorstat_WRONGTYPE:count="),
+            std::string::npos);
 }
 
 // STATUS 0 DOES NOT MEAN: Redis evicts keys
