@@ -286,6 +286,32 @@ TEST_F(StatusZero, WhatSomebodyElseRemovesDuringTheRunIsMissing) {
   }
 }
 
+// A document, the URI that it is loaded to, and a list that it makes.
+struct Outside {
+  std::string document;
+  std::string uri;
+  std::string list;
+};
+
+// STATUS 0 DOES NOT MEAN: A key lies outside the URI
+TEST_F(StatusZero, ACreateAppendsToTheArraysThatItDoesNotRemove) {
+  const std::vector<Outside> loads = {
+      {R"({"@odata.id": "/other", "A": [1, 2]})", "/r", "&&/other/A"},
+      {R"({"O": {"@odata.id": "/other", "A": [1, 2]}})", "/r", "&&/other/A"},
+      {R"({"A": [1, 2]})", "//r", "&&/r/A"},
+      {R"({"A": [1, 2]})", "/[r]", "&&/[r]/A"},
+      {R"({"A": [1, 2]})", R"(/r\)", R"(&&/r\/A)"},
+  };
+  for (const Outside& load : loads) {
+    SCOPED_TRACE(load.document + " to " + load.uri);
+    (void)store.Run("FLUSHALL");
+    for (const char* shown : {"1\n2\n", "1\n2\n1\n2\n"}) {
+      Load({"create", tree.Write("a.json", load.document), load.uri});
+      EXPECT_EQ(Shown("redis-cli lrange KEY 0 -1", load.list), shown);
+    }
+  }
+}
+
 // STATUS 0 DOES NOT MEAN: No file has the name
 TEST_F(StatusZero, ACreateThatFindsNoFileLeavesNothing) {
   tree.Write("index.json", R"({"A": 1})");
