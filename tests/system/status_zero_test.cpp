@@ -315,10 +315,31 @@ TEST_F(StatusZero, ACreateAppendsToTheArraysThatItDoesNotRemove) {
 // STATUS 0 DOES NOT MEAN: No file has the name
 TEST_F(StatusZero, ACreateThatFindsNoFileLeavesNothing) {
   tree.Write("index.json", R"({"A": 1})");
+  tree.Write("a/Index.json", R"({"A": 2})");
+  tree.MakeFolder("b/index.json");
   Load({"create", tree.path(), "/r"});
-  EXPECT_EQ(Shown("find -L TREE -name index.json"), tree.path("index.json") + "\n");
-  Load({"create", tree.path(), "/r", "Index.json"});
+  EXPECT_EQ(Shown("find -L TREE -type f -name index.json"), tree.path("index.json") + "\n");
+  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+  Load({"create", tree.path(), "/r", "other.json"});
   EXPECT_EQ(store.Dump(), "");
+}
+
+// STATUS 0 DOES NOT MEAN: A link leads nowhere
+TEST_F(StatusZero, WhatABrokenLinkShouldLeadToIsMissing) {
+  for (const char* link : {"a/index.json", "folder"}) {
+    SCOPED_TRACE(link);
+    const TempDirectory elsewhere;
+    tree.MakeFolder("a");
+    tree.Write("index.json", R"({"A": 1})");
+    std::filesystem::create_symlink(elsewhere.path("gone"), tree.path(link));
+    const Finished run = Ostrafel({"create", tree.path(), "/r"});
+    EXPECT_EQ(run.out, kSuccessLine);
+    EXPECT_EQ(run.err, "Failed to check path " + tree.path(link) + ".\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
+    EXPECT_EQ(Shown("find -L TREE -type l"), tree.path(link) + "\n");
+    std::filesystem::remove(tree.path(link));
+  }
 }
 
 // STATUS 0 DOES NOT MEAN: A member before the last fails
