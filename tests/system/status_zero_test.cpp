@@ -372,24 +372,120 @@ TEST_F(StatusZero, AnArrayThatBecomesAnObjectOfObjectsIsStoredUpToTheFirst) {
   }
 }
 
-// STATUS 0 DOES NOT MEAN: An integer does not fit into 32 bits
-TEST_F(StatusZero, AnIntegerBeyond32BitsIsTheNearestThatFits) {
-  LoadDocument("create", R"({"A": 3000000000, "B": -3000000000})");
-  EXPECT_EQ(Shown("redis-cli hgetall KEY"), "A\n2147483647\nB\n-2147483648\n");
+// STATUS 0 DOES NOT MEAN: An array begins with a scalar
+TEST_F(StatusZero, WhatLiesBelowAnArrayThatBeginsWithAScalarStays) {
+  LoadDocument("create", R"({"L": [1, {"p": 1}, [3]]})");
+  LoadDocument("update", R"({"L": [1, {"q": 2}, [4]]})");
+  EXPECT_EQ(Shown("redis-cli hkeys KEY", "&&/r/L/1"), "p\nq\n");
+  EXPECT_EQ(Shown("redis-cli lrange KEY 0 -1", "&&/r/L/2"), "4\n");
+  LoadDocument("update", R"({"L": 5})");
+  EXPECT_EQ(store.Dump(),
+            "hash | &&/r/L/1 | p | 1\n"
+            "hash | &&/r/L/1 | q | 2\n"
+            "list | &&/r/L/2 | 4\n"
+            "hash | /r | L | 5\n");
 }
 
-// STATUS 0 DOES NOT MEAN: Two files claim one key
-TEST_F(StatusZero, OfTwoFilesForOneKeyTheFirstReadIsStored) {
-  for (const char* folder : {"a", "b"}) {
-    tree.Write(folder + std::string("/index.json"),
-               R"({"@odata.id": "/same", "From": ")" + std::string(folder) + "\"}");
+// What is stored, a document to update it with, and what is then stored.
+struct Update {
+  std::string before;
+  std::string document;
+  std::string dump;
+};
+
+// STATUS 0 DOES NOT MEAN: A name holds a character of patterns
+TEST_F(StatusZero, ANameWithACharacterOfPatternsRemovesOrSparesOtherMembers) {
+  const std::vector<Update> updates = {
+      {R"({"R": {"@odata.id": "/l"}, "S": {"@odata.id": "/m"}, "A": 1})", R"({"*": 1})",
+       "hash | /r | * | 1\nhash | /r | A | 1\n"},
+      {R"({"A1": [[1], 2], "A?": [[1]]})", R"({"A?": 1})",
+       "list | &&/r/A1 | &&Array &&/r/A1/0\n"
+       "list | &&/r/A1 | 2\n"
+       "hash | /r | &&Array A1 &&/r/A1 | \n"
+       "hash | /r | A? | 1\n"},
+      {R"({"A[1]": [[1]]})", R"({"A[1]": 1})", "list | &&/r/A[1]/0 | 1\nhash | /r | A[1] | 1\n"},
+  };
+  for (const auto& [before, document, dump] : updates) {
+    SCOPED_TRACE(document);
+    (void)store.Run("FLUSHALL");
+    LoadDocument("create", before);
+    LoadDocument("update", document);
+    EXPECT_EQ(store.Dump(), dump);
   }
-  const std::filesystem::directory_iterator listing(tree.path());
-  const std::string first = listing->path().filename().string();
-  Load({"create", tree.path(), "/r"});
-  EXPECT_NE(Shown("redis-cli hgetall KEY", "/same").find("From\n\"" + first + "\"\n"),
-            std::string::npos);
-  EXPECT_EQ(store.Run("DBSIZE").integer, 1);
+  EXPECT_EQ(Shown("redis-cli hkeys KEY"), "A[1]\n");
+}
+
+// STATUS 0 DOES NOT MEAN: A number does not fit
+TEST_F(StatusZero, ANumberThatDoesNotFitIsTheNearestThatDoes) {
+  const std::vector<std::pair<std::string, std::string>> numbers = {
+      {"3000000000", "2147483647"},
+      {"-3000000000", "-2147483648"},
+      {"1e-7", "0."},
+      {"0.12345678", "0.123457"},
+  };
+  for (const auto& [number, stored] : numbers) {
+    LoadDocument("create", R"({"A": )" + number + "}");
+    EXPECT_EQ(Shown("redis-cli hgetall KEY"), "A\n" + stored + "\n");
+  }
+}
+
+// STATUS 0 DOES NOT MEAN: Two members have one name or key
+TEST_F(StatusZero, MembersOfOneNameOrKeyMeet) {
+  const std::vector<std::pair<std::string, std::string>> documents = {
+      {R"({"A": 1, "A": 2})", "hash | /r | A | 2\n"},
+      {R"({"a/b": {"x": 1, "y": 1}, "a": {"b": {"x": 2}}})",
+       "hash | &&/r/a | &&Object b &&/r/a/b | \n"
+       "hash | &&/r/a/b | x | 2\n"
+       "hash | &&/r/a/b | y | 1\n"
+       "hash | /r | &&Object a &&/r/a | \n"
+       "hash | /r | &&Object a/b &&/r/a/b | \n"},
+      {R"({"a/b": [1], "a": {"b": [2]}})",
+       "hash | &&/r/a | &&Array b &&/r/a/b | \n"
+       "list | &&/r/a/b | 1\n"
+       "list | &&/r/a/b | 2\n"
+       "hash | /r | &&Array a/b &&/r/a/b | \n"
+       "hash | /r | &&Object a &&/r/a | \n"},
+  };
+  for (const auto& [document, dump] : documents) {
+    SCOPED_TRACE(document);
+    LoadDocument("create", document);
+    EXPECT_EQ(store.Dump(), dump);
+  }
+}
+
+// Two things with one key, in the files of the folders a and b: a member "a" or "b" tells which is
+// stored.
+struct Claim {
+  std::string a;
+  std::string b;
+  std::string key;
+};
+
+// STATUS 0 DOES NOT MEAN: Two files or objects have one key
+TEST_F(StatusZero, OfTwoFilesOrObjectsWithOneKeyTheFirstReadIsStored) {
+  const std::vector<Claim> claims = {
+      {R"({"@odata.id": "/same", "a": 1})", R"({"@odata.id": "/same", "b": 1})", "/same"},
+      {R"({"@odata.id": "/r/b", "a": 1})", R"({"b": 1})", "/r/b"},
+      {R"({"O": {"@odata.id": "/r/b", "a": 1}})", R"({"b": 1})", "/r/b"},
+      {R"({"a": 1})", R"({"L": [{"@odata.id": "/r/a", "b": 1}]})", "/r/a"},
+      {R"({"O": {"@odata.id": "/o", "a": 1}})", R"({"O": {"@odata.id": "/o", "b": 1}})", "/o"},
+  };
+  for (const Claim& claim : claims) {
+    SCOPED_TRACE(claim.a + claim.b);
+    tree.Write("a/index.json", claim.a);
+    tree.Write("b/index.json", claim.b);
+    const std::filesystem::directory_iterator listing(tree.path());
+    const bool is_a_first = listing->path().filename() == "a";
+    (void)store.Run("FLUSHALL");
+    Load({"create", tree.path(), "/r"});
+    const std::string shown = Shown("redis-cli hgetall KEY", claim.key);
+    EXPECT_EQ(shown.find("a\n1\n") != std::string::npos, is_a_first) << shown;
+    EXPECT_EQ(shown.find("b\n1\n") != std::string::npos, !is_a_first) << shown;
+  }
+  (void)store.Run("FLUSHALL");
+  LoadDocument("create", R"({"O": {"@odata.id": "/o", "a": 1}, "P": {"@odata.id": "/o", "b": 1}})");
+  EXPECT_EQ(store.Run("HEXISTS | /o | a").integer, 1);
+  EXPECT_EQ(store.Run("HEXISTS | /o | b").integer, 0);
 }
 
 }  // namespace
