@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // A server whose configuration takes away the commands by which a create removes the old tree. That
-// an ACL does the same is a table in system/status_zero_test.cpp.
+// an ACL does the same is a table in system/status_zero_server_test.cpp.
 #include <string>
 
 #include "scaling/scaling_fixture.h"

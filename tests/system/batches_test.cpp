@@ -47,18 +47,18 @@ class Batches : public SystemTest {
 };
 
 TEST_F(Batches, TwoThousandFieldsAreSentAtTheEnd) {
-  Load({"create", tree.Write("a.json", Members(1999, R"("last": 1)")), "/r"});
+  LoadDocument("create", Members(1999, R"("last": 1)"));
   EXPECT_EQ(Sizes(), (Size{2000}));
 }
 
 TEST_F(Batches, The2001stFieldSendsTheFirst2000) {
-  Load({"create", tree.Write("a.json", Members(2000, R"("last": 1)")), "/r"});
+  LoadDocument("create", Members(2000, R"("last": 1)"));
   EXPECT_EQ(Sizes(), (Size{2000, 1}));
   EXPECT_EQ(store.Run("HLEN | /r").integer, 2001);
 }
 
 TEST_F(Batches, The2001stValueSendsTheFirst2000AndNoFields) {
-  Load({"create", tree.Write("a.json", R"({"A": 1, "L": )" + Numbers(2001) + "}"), "/r"});
+  LoadDocument("create", R"({"A": 1, "L": )" + Numbers(2001) + "}");
   EXPECT_EQ(Sizes(), (Size{2000, 2, 1}));
   EXPECT_EQ(recording.flights[3].commands.front().front(), "RPUSH");
   EXPECT_EQ(recording.flights[4].commands.front().front(), "HSET");

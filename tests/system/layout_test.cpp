@@ -12,7 +12,7 @@ class StoredLayout : public SystemTest {
  protected:
   // Creates one resource at a key and returns the store.
   std::string Create(const std::string& key, const std::string& json) {
-    Load({"create", tree.Write("a.json", json), key});
+    LoadDocument("create", json, key);
     return store.Dump();
   }
 };

@@ -52,6 +52,11 @@ void SystemTest::Load(const std::vector<std::string>& arguments) {
   EXPECT_EQ(finished.status, 0);
 }
 
+void SystemTest::LoadDocument(const std::string& action, const std::string& document,
+                              const std::string& key) {
+  Load({action, tree.Write("a.json", document), key});
+}
+
 void SystemTest::ExpectFailure(const std::vector<std::string>& arguments, const std::string& err) {
   const Finished finished = Ostrafel(arguments);
   EXPECT_EQ(finished.out, "");

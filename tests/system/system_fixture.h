@@ -31,6 +31,10 @@ class SystemTest : public testing::Test {
   /// Runs the program and expects success and nothing on standard error.
   void Load(const std::vector<std::string>& arguments);
 
+  /// Writes a document into the test's tree and loads that file to the key, as Load does.
+  void LoadDocument(const std::string& action, const std::string& document,
+                    const std::string& key = "/r");
+
   /// Runs the program and expects status 255, nothing on standard output and this on standard
   /// error.
   void ExpectFailure(const std::vector<std::string>& arguments, const std::string& err);

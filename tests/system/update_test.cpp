@@ -14,8 +14,8 @@ class Update : public SystemTest {
  protected:
   // Creates one document and updates it with another; returns the store.
   std::string CreateThenUpdate(const std::string& first, const std::string& second) {
-    Load({"create", tree.Write("a.json", first), "/r"});
-    Load({"update", tree.Write("a.json", second), "/r"});
+    LoadDocument("create", first);
+    LoadDocument("update", second);
     return store.Dump();
   }
 
@@ -89,7 +89,7 @@ TEST_F(Update, TurnsAnArrayIntoAnObject) {
 
 TEST_F(Update, FailsToTurnAnArrayIntoAnObjectOfObjects) {
   // The links of the nested object are looked for in the old list, which still is there.
-  Load({"create", tree.Write("a.json", R"({"A": [1]})"), "/r"});
+  LoadDocument("create", R"({"A": [1]})");
   const std::string file = tree.Write("a.json", R"({"A": {"x": 1, "y": {"z": 2}}})");
   ExpectFailure({"update", file, "/r"}, ">>> Error occurs while parsing file " + file + "\n");
   EXPECT_EQ(store.Dump(), "list | &&/r/A | 1\nhash | /r | &&Array A &&/r/A | \n");
@@ -150,7 +150,7 @@ TEST_F(Update, OfAnUnchangedResourceChangesNothing) {
       "Links": {"By": [{"@odata.id": "/m"}], "One": {"@odata.id": "/o"}},
       "Inline": {"@odata.id": "/c/i", "a": 1, "b": {"c": 2}},
       "&&ETag": "e", "Empty": {}, "None": []})";
-  Load({"create", tree.Write("a.json", json), "/r"});
+  LoadDocument("create", json);
   const std::string before = store.Dump();
   Load({"update", tree.path("a.json"), "/r"});
   EXPECT_EQ(store.Dump(), before);
@@ -170,7 +170,7 @@ TEST_F(Update, AnArrayAtAnIdOfAStaleResourceTakesTheTwinsWithIt) {
   (void)store.Run("HSET | &&/x/0 | f | v");
   (void)store.Run("HSET | &&/x | f | v");
   (void)store.Run("HSET | /x/y | f | v");
-  Load({"update", tree.Write("a.json", R"({"A": {"@odata.id": "/x", "z": 1}})"), "/r"});
+  LoadDocument("update", R"({"A": {"@odata.id": "/x", "z": 1}})");
   EXPECT_EQ(store.Dump(),
             "hash | &&/x | f | v\n"
             "hash | /r | &&Object A /x | \n"
@@ -181,7 +181,7 @@ TEST_F(Update, AnArrayAtAnIdOfAStaleResourceTakesTheTwinsWithIt) {
 TEST_F(Update, ScalarsAreWrittenEvenWhenNothingCanBePruned) {
   (void)store.Run("HSET | &&/r/A | x | 1");
   (void)store.Run("ACL | SETUSER | default | -type");
-  Load({"update", tree.Write("a.json", R"({"A": 1})"), "/r"});
+  LoadDocument("update", R"({"A": 1})");
   (void)store.Run("ACL | SETUSER | default | +@all");
   EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 1\nhash | /r | A | 1\n");
 }
@@ -207,7 +207,7 @@ TEST_F(Update, ARefusedHexistsCountsAsNotInline) {
   (void)store.Run("HSET | /r | &&Object A &&/r/A | ");
   (void)store.Run("HSET | &&/r/A | x | 1");
   (void)store.Run("ACL | SETUSER | default | -hexists");
-  Load({"update", tree.Write("a.json", R"({"A": {"@odata.id": "/x"}})"), "/r"});
+  LoadDocument("update", R"({"A": {"@odata.id": "/x"}})");
   (void)store.Run("ACL | SETUSER | default | +@all");
   EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 1\nhash | /r | &&ObjectRef A /x | \n");
 }
@@ -233,7 +233,7 @@ TEST_F(Update, ASubtreeIsScannedOncePerRun) {
   (void)store.Run("HSET | &&/r/O/A | x | 1");
   (void)store.Run("HSET | &&/r/O/B | x | 1");
   // The array takes the old object away with all below it; nothing below it is scanned again.
-  Load({"update", tree.Write("a.json", R"({"O": [{"A": 1, "B": 2}, {"A": [3]}]})"), "/r"});
+  LoadDocument("update", R"({"O": [{"A": 1, "B": 2}, {"A": [3]}]})");
   std::size_t scans = 0;
   for (const model::Flight& flight : recording.flights) {
     if (flight.commands.front().front() == "SCAN") ++scans;
