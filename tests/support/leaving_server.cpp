@@ -52,12 +52,21 @@ bool NextCommandIs(const std::string& name, int client) {
   return strcasestr(buffer.data(), ("\r\n" + name + "\r\n").c_str()) != nullptr;
 }
 
+// What a client can send without a reader must not depend on the machine: without a size of its
+// own, a receive buffer grows with what was read, up to tens of megabytes (tcp(7), tcp_rmem).
+int WithSmallReceiveBuffer(int listener) {
+  constexpr int size = 1 << 16;
+  (void)setsockopt(listener, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
+  return listener;
+}
+
 }  // namespace
 
 LeavingServer::LeavingServer(const std::string& path, model::Store store, Departure departure)
     : departure_(std::move(departure)),
       store_(std::move(store)),
-      listener_(path.empty() ? ListenOnDefaultPort() : ListenOnUnixSocket(path)),
+      listener_(
+          WithSmallReceiveBuffer(path.empty() ? ListenOnDefaultPort() : ListenOnUnixSocket(path))),
       thread_(&LeavingServer::Serve, this) {}
 
 LeavingServer::~LeavingServer() { (void)Join(); }
