@@ -13,6 +13,8 @@
 #include "store/command_batches.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 constexpr std::size_t kKeys = kBatchItems / 8;
@@ -50,3 +52,5 @@ void MeasurePutListItem(benchmark::State& state) {
 BENCHMARK(MeasurePutListItem)->Name("PutListItem");
 
 }  // namespace
+
+}  // namespace ostrafel

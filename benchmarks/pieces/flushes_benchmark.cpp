@@ -13,6 +13,8 @@
 #include "store/command_batches.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 using Queue = unsigned (*)(redisContext*, const std::vector<QueueItem>&);
@@ -77,3 +79,5 @@ BENCHMARK_CAPTURE(MeasureFlushRemovalBatch, fields, RemoveField, 8)
     ->UseRealTime();
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -7,6 +7,8 @@
 #include "document/json_file.h"
 #include "pieces/expect.h"
 
+namespace ostrafel {
+
 namespace {
 
 constexpr const char* kFile = OSTRAFEL_SOURCE_DIR "/examples/rackmount/Systems/Node1/index.json";
@@ -26,3 +28,5 @@ void MeasureLoadJsonFile(benchmark::State& state) {
 BENCHMARK(MeasureLoadJsonFile)->Name("LoadJsonFile");
 
 }  // namespace
+
+}  // namespace ostrafel

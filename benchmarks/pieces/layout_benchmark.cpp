@@ -5,8 +5,10 @@
 
 #include <string>
 
+#include "layout/layout.h"
 #include "pieces/expect.h"
-#include "store/layout.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -52,3 +54,5 @@ BENCHMARK_CAPTURE(MeasureDerivedKey, runs_of_slashes, "/redfish/v1//Systems/Node
     ->Name("DerivedKey/runs_of_slashes");
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -7,6 +7,8 @@
 
 #include "store/command_batches.h"
 
+namespace ostrafel {
+
 std::vector<QueueItem> MakeQueueItems(std::size_t items_per_key) {
   constexpr std::array<const char*, 8> fields = {
       "@odata.id",         "Id",        "Name",         "MemoryDeviceType", "CapacityMiB",
@@ -49,3 +51,5 @@ unsigned QueueRemovals(redisContext* context, const std::vector<QueueItem>& item
   }
   return result;
 }
+
+}  // namespace ostrafel

@@ -14,6 +14,8 @@
 #include "store/pruning.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 struct QueueItem {
   std::string key;
   std::string field;
@@ -35,5 +37,7 @@ inline constexpr std::size_t kBatchItems = BatchLimit;
 [[nodiscard]] unsigned QueueValues(redisContext* context, const std::vector<QueueItem>& items);
 [[nodiscard]] unsigned QueueRemovals(redisContext* context, const std::vector<QueueItem>& items,
                                      RemovalKind kind);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_BENCHMARKS_PIECES_QUEUE_ITEMS_H_

@@ -16,6 +16,8 @@
 #include "store/resource_writer.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 void BeginCreate() {
@@ -55,3 +57,5 @@ BENCHMARK_CAPTURE(MeasureWriteResource, sensor, "Chassis/Twin/Sensors/Fan1Speed/
     ->Name("WriteResource/sensor");
 
 }  // namespace
+
+}  // namespace ostrafel

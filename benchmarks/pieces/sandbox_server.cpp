@@ -6,7 +6,9 @@
 #include <cstdlib>
 
 #include "pieces/expect.h"
-#include "store/replies.h"
+#include "redis/replies.h"
+
+namespace ostrafel {
 
 StoreConnection ConnectSandboxServer(benchmark::State& state) {
   const char* socket = std::getenv("OSTRAFEL_SANDBOX_SOCKET");
@@ -28,3 +30,5 @@ long long AskForInteger(redisContext* context, const char* command, const char* 
   const Reply reply = key == nullptr ? Ask(context, command) : Ask(context, "%s %s", command, key);
   return reply && reply->type == REDIS_REPLY_INTEGER ? reply->integer : -1;
 }
+
+}  // namespace ostrafel

@@ -8,6 +8,8 @@
 
 #include "connection/store_connection.h"
 
+namespace ostrafel {
+
 /// Connects to the server whose socket OSTRAFEL_SANDBOX_SOCKET names. It is the benchmarks' own:
 /// they empty it. Without the variable, returns nothing and marks the benchmark as skipped. A
 /// server that cannot be reached ends the program.
@@ -20,5 +22,7 @@ void EmptyServer(redisContext* context);
 /// something else.
 [[nodiscard]] long long AskForInteger(redisContext* context, const char* command,
                                       const char* key = nullptr);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_BENCHMARKS_PIECES_SANDBOX_SERVER_H_

@@ -5,9 +5,11 @@
 
 #include <string>
 
-#include "handles.h"
+#include "document/document.h"
+#include "layout/value_rendering.h"
 #include "pieces/expect.h"
-#include "store/value_rendering.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -61,3 +63,5 @@ BENCHMARK_CAPTURE(MeasureReplaceAll, four_occurrences,
     ->Name("ReplaceAll/four_occurrences");
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -5,6 +5,8 @@
 
 #include <csignal>
 
+namespace ostrafel {
+
 namespace {
 
 extern "C" void DoNothing(int /*signal*/) {}
@@ -18,3 +20,5 @@ void SurviveBrokenPipe() {
   (void)sigemptyset(&action.sa_mask);
   (void)sigaction(SIGPIPE, &action, nullptr);
 }
+
+}  // namespace ostrafel

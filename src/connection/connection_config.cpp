@@ -11,8 +11,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/files.h"
 #include "connection/connection_state.h"
-#include "handles.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -97,3 +99,5 @@ std::optional<ConnectionConfig> ReadConnectionConfig() {
   ConnectionConfigCopy = config;
   return config;
 }
+
+}  // namespace ostrafel

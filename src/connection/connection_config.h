@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+namespace ostrafel {
+
 enum ConnectionType : std::int32_t { UnixSocket = 1, Tcp = 2 };
 
 struct ConnectionConfig {
@@ -43,5 +45,7 @@ struct ConnectionConfig {
 /// cannot be opened (then perror prints "fopen"), or nothing can be read from it.
 [[nodiscard]] std::optional<std::string> ReadConfigValue(const char* key,
                                                          const std::string& directory);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_CONNECTION_CONNECTION_CONFIG_H_

@@ -3,6 +3,10 @@
 
 #include "connection/connection_state.h"
 
+namespace ostrafel {
+
 std::optional<ConnectionConfig> ConnectionConfigCopy;
 
 void ResetConnectionState() { ConnectionConfigCopy.reset(); }
+
+}  // namespace ostrafel

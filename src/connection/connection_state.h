@@ -9,10 +9,14 @@
 
 #include "connection/connection_config.h"
 
+namespace ostrafel {
+
 /// What ReadConnectionConfig found on its first success; nothing before that.
 extern std::optional<ConnectionConfig> ConnectionConfigCopy;
 
 /// Returns the above to its state at program start. For tests; a run never calls it.
 void ResetConnectionState();
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_CONNECTION_CONNECTION_STATE_H_

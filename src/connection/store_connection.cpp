@@ -6,7 +6,9 @@
 #include <optional>
 #include <string_view>
 
-#include "handles.h"
+#include "connection/reply.h"
+
+namespace ostrafel {
 
 unsigned CloseStoreConnection(redisContext* context) {
   if (context == nullptr) return 1;
@@ -45,3 +47,5 @@ StoreConnection OpenStoreConnection() {
   }
   return connection;
 }
+
+}  // namespace ostrafel

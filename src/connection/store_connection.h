@@ -11,6 +11,8 @@
 
 #include "connection/connection_config.h"
 
+namespace ostrafel {
+
 /// Closes the connection (redisFree). Returns 0 after closing and 1 when given none: the reverse of
 /// the other operations.
 unsigned CloseStoreConnection(redisContext* context);
@@ -35,5 +37,7 @@ using StoreConnection = std::unique_ptr<redisContext, StoreConnectionDeleter>;
 /// answered the status "OK" and 1 otherwise, also when either argument is null: the reverse of the
 /// other operations.
 [[nodiscard]] unsigned Authenticate(redisContext* context, const char* password);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_CONNECTION_STORE_CONNECTION_H_

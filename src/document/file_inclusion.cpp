@@ -6,8 +6,11 @@
 #include <cstdio>
 #include <string>
 
+#include "base/files.h"
+#include "document/document.h"
 #include "document/json_file.h"
-#include "handles.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -50,3 +53,5 @@ unsigned ResolveFileInclusion(json_t* object) {
   (void)json_object_set_new(object, kFileMember, json_string(name.c_str()));
   return 1;
 }
+
+}  // namespace ostrafel

@@ -7,6 +7,8 @@
 
 #include <jansson.h>
 
+namespace ostrafel {
+
 /// Where included files are looked for: the web server's document directory on the target. Names
 /// are appended to it as they are.
 inline constexpr const char* IncludeRoot = "/usr/local/nginx/www/";
@@ -29,5 +31,7 @@ inline constexpr const char* IncludeRoot = "/usr/local/nginx/www/";
 
 /// True when path (NUL-terminated) can be opened for reading. A directory can.
 [[nodiscard]] bool FileExists(const char* path);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_DOCUMENT_FILE_INCLUSION_H_

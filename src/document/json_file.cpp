@@ -8,6 +8,10 @@
 #include <cstdlib>
 #include <new>
 
+#include "base/files.h"
+
+namespace ostrafel {
+
 namespace {
 
 // Set when jansson gets no memory. Its parser leaves out, silently, the characters of a text that
@@ -47,3 +51,5 @@ Document LoadJsonFile(const char* path) {
   if (document && is_memory_exhausted) throw std::bad_alloc();
   return document;
 }
+
+}  // namespace ostrafel

@@ -4,7 +4,9 @@
 #ifndef OSTRAFEL_DOCUMENT_JSON_FILE_H_
 #define OSTRAFEL_DOCUMENT_JSON_FILE_H_
 
-#include "handles.h"
+#include "document/document.h"
+
+namespace ostrafel {
 
 /// Reads the JSON file at path (NUL-terminated) with json_loadf and its flags at 0: the root must
 /// be an object or an array, which the caller tells apart. A UTF-8 byte-order mark at the start is
@@ -16,5 +18,7 @@
 /// "error: Failed to read file.\n" and is parsed all the same. Raises bad_alloc when memory ran out
 /// and the parser did not notice. Sets jansson's allocation functions, process-wide.
 [[nodiscard]] Document LoadJsonFile(const char* path);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_DOCUMENT_JSON_FILE_H_

@@ -7,6 +7,8 @@
 
 #include "driver/usage.h"
 
+namespace ostrafel {
+
 namespace {
 
 constexpr const char* kDefaultFileName = "index.json";
@@ -35,3 +37,5 @@ bool CheckArguments(int argc, char** argv, Arguments* arguments) {
   }
   return true;
 }
+
+}  // namespace ostrafel

@@ -4,6 +4,8 @@
 #ifndef OSTRAFEL_DRIVER_ARGUMENTS_H_
 #define OSTRAFEL_DRIVER_ARGUMENTS_H_
 
+namespace ostrafel {
+
 /// The command line by name. All texts are borrowed from argv.
 struct Arguments {
   const char* action = nullptr;            ///< "create" or "update", in any case.
@@ -17,5 +19,7 @@ struct Arguments {
 /// there are no arguments at all), unless there are three or four arguments with the first three
 /// not empty. An empty fourth argument stands for the default.
 [[nodiscard]] bool CheckArguments(int argc, char** argv, Arguments* arguments);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_DRIVER_ARGUMENTS_H_

@@ -3,4 +3,4 @@
 
 #include "driver/run.h"
 
-int main(int argc, char** argv) { return RunOstrafel(argc, argv); }
+int main(int argc, char** argv) { return ostrafel::RunOstrafel(argc, argv); }

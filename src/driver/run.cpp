@@ -8,21 +8,24 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/equals_ignore_case.h"
+#include "base/files.h"
 #include "connection/broken_pipe.h"
 #include "connection/store_connection.h"
+#include "document/document.h"
 #include "document/file_inclusion.h"
 #include "document/json_file.h"
 #include "driver/arguments.h"
-#include "driver/equals_ignore_case.h"
 #include "driver/standard_descriptors.h"
-#include "driver/static_data_walk.h"
 #include "driver/usage.h"
-#include "handles.h"
+#include "layout/layout.h"
+#include "loading/static_data_walk.h"
+#include "redis/tree_removal.h"
 #include "store/command_batches.h"
-#include "store/layout.h"
 #include "store/resource_writer.h"
 #include "store/store_state.h"
-#include "store/tree_removal.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -137,3 +140,5 @@ int RunOstrafel(int argc, char** argv) {
   (void)std::puts(">>> Ostrafel parsing successfully.");
   return kSuccess;
 }
+
+}  // namespace ostrafel

@@ -4,6 +4,8 @@
 #ifndef OSTRAFEL_DRIVER_RUN_H_
 #define OSTRAFEL_DRIVER_RUN_H_
 
+namespace ostrafel {
+
 /// One run of Ostrafel, from the command line to the exit status: checks the arguments, connects,
 /// carries out the action, lists the files to load, loads and writes them one after the other,
 /// sends what still waits in the batches. Takes what main takes.
@@ -14,5 +16,7 @@
 /// what was sent before and drops what waits. Of the exceptions that the standard library raises
 /// only the logic errors of writing a resource are handled here; any other ends the process.
 int RunOstrafel(int argc, char** argv);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_DRIVER_RUN_H_

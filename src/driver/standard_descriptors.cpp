@@ -8,6 +8,8 @@
 
 #include <cstdio>
 
+namespace ostrafel {
+
 bool OccupyStandardDescriptors() {
   for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
     // For an open descriptor fcntl(2) cannot fail, and open(2) returns the lowest number that is
@@ -18,3 +20,5 @@ bool OccupyStandardDescriptors() {
   }
   return true;
 }
+
+}  // namespace ostrafel

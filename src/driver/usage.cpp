@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+namespace ostrafel {
+
 namespace {
 
 constexpr const char* kUsage =
@@ -35,3 +37,5 @@ Example,
 }  // namespace
 
 void PrintUsage() { (void)std::fputs(kUsage, stderr); }
+
+}  // namespace ostrafel

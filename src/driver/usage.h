@@ -4,7 +4,11 @@
 #ifndef OSTRAFEL_DRIVER_USAGE_H_
 #define OSTRAFEL_DRIVER_USAGE_H_
 
+namespace ostrafel {
+
 /// Prints the usage text on standard error.
 void PrintUsage();
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_DRIVER_USAGE_H_

@@ -9,10 +9,12 @@
 #include <stdexcept>
 #include <string>
 
-#include "store/pipeline.h"
-#include "store/replies.h"
+#include "redis/pipeline.h"
+#include "redis/replies.h"
 #include "store/required_text.h"
 #include "store/store_state.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -121,3 +123,5 @@ unsigned PutHashField(redisContext* context, const char* key, const char* field,
   ++HashBatchCount;
   return 1;
 }
+
+}  // namespace ostrafel

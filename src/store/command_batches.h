@@ -12,6 +12,8 @@
 
 #include <hiredis/hiredis.h>
 
+namespace ostrafel {
+
 /// Sends all of RemovalBatch as one pipeline: an "UNLINK key" for each key, in queue order; then
 /// for each list in ascending byte order an "LREM key 0 value" (0: every equal element) for each
 /// value; then for each hash in ascending byte order an "HDEL key field" for each field.
@@ -45,5 +47,7 @@
 /// gets the new value and is sent once. No error of the standard library is caught.
 [[nodiscard]] unsigned PutHashField(redisContext* context, const char* key, const char* field,
                                     const char* value);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_STORE_COMMAND_BATCHES_H_

@@ -10,6 +10,8 @@
 #include <memory_resource>
 #include <string_view>
 
+namespace ostrafel {
+
 /// Plain byte-wise comparison of NUL-terminated texts, a text before those that go on after it.
 struct ByteOrder {
   bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) < 0; }
@@ -69,5 +71,7 @@ class KeyedBatch {
   Entries entries_{&memory_};
   typename Entries::iterator last_ = entries_.end();  // the entry that was asked for last
 };
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_STORE_KEYED_BATCH_H_

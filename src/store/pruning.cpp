@@ -10,10 +10,12 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "layout/layout.h"
+#include "redis/replies.h"
 #include "store/command_batches.h"
-#include "store/layout.h"
-#include "store/replies.h"
 #include "store/store_state.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -147,3 +149,5 @@ unsigned PruneProperty(redisContext* context, const std::string& parent_key,
   if (in_list) return 1;
   return RemoveMatchingFields(context, parent_key, ReferenceField(ObjectRefMarker, name, "*"));
 }
+
+}  // namespace ostrafel

@@ -22,6 +22,8 @@
 #include <string>
 #include <string_view>
 
+namespace ostrafel {
+
 /// What the new value will hold at its own key.
 enum ExpectedKind {
   StoredHash = 0,  ///< An object. A stored hash survives, because the update merges into it.
@@ -90,5 +92,7 @@ enum RemovalKind {
 /// %s.\n". Duplicates are kept.
 [[nodiscard]] unsigned QueueRemoval(redisContext* context, const std::string& key,
                                     std::string_view value, RemovalKind kind);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_STORE_PRUNING_H_

@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace ostrafel {
+
 /// Returns text, or raises for a null one the logic_error that std::string raises, with its
 /// message.
 [[nodiscard]] inline const char* RequiredText(const char* text) {
@@ -13,5 +15,7 @@
   if (text == nullptr) (void)std::string(text);
   return text;
 }
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_STORE_REQUIRED_TEXT_H_

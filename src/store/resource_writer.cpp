@@ -6,13 +6,15 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "layout/layout.h"
+#include "layout/value_rendering.h"
+#include "redis/replies.h"
 #include "store/command_batches.h"
-#include "store/layout.h"
 #include "store/pruning.h"
-#include "store/replies.h"
 #include "store/required_text.h"
 #include "store/store_state.h"
-#include "store/value_rendering.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -157,3 +159,5 @@ unsigned WriteReservedProperty(redisContext* context, const std::string& key, co
   EscapeText(text);
   return PutHashField(context, key.c_str(), name, text.c_str());
 }
+
+}  // namespace ostrafel

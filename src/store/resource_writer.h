@@ -17,6 +17,8 @@
 
 #include <string>
 
+namespace ostrafel {
+
 /// Writes the members of root (borrowed, an object) into the hash at key, unless this run wrote
 /// that key before: then it returns 1 at once. Every member is attempted; the result is that of the
 /// last one, or 1 when there is none.
@@ -54,5 +56,7 @@
 /// scalar.
 [[nodiscard]] unsigned WriteReservedProperty(redisContext* context, const std::string& key,
                                              const char* name, const json_t* value);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_STORE_RESOURCE_WRITER_H_

@@ -3,6 +3,8 @@
 
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 bool MergeMode = true;
 
 std::map<std::string, bool> VisitedResourceMap;
@@ -40,3 +42,5 @@ void ResetStoreState() {
   RemovalBatch.clear();
   RemovalBatchCount = 0;
 }
+
+}  // namespace ostrafel

@@ -14,6 +14,8 @@
 
 #include "store/keyed_batch.h"
 
+namespace ostrafel {
+
 /// True in an update: a member's older shape is pruned before its new value is written. Cleared by
 /// a create, whose tree starts empty.
 extern bool MergeMode;
@@ -69,5 +71,7 @@ extern std::uint32_t RemovalBatchCount;
 
 /// Returns everything above to its state at program start. For tests; a run never calls it.
 void ResetStoreState();
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_STORE_STORE_STATE_H_

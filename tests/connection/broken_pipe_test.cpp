@@ -12,7 +12,9 @@
 #include <cstdio>
 #include <string>
 
-#include "handles.h"
+#include "base/files.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -44,3 +46,5 @@ TEST_F(BrokenPipe, AShellStartedAfterwardsStillDiesOfIt) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

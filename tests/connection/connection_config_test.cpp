@@ -12,10 +12,12 @@
 #include <optional>
 #include <string>
 
+#include "base/files.h"
 #include "connection/connection_state.h"
-#include "handles.h"
 #include "support/sandbox.h"
 #include "support/temp_directory.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -295,3 +297,5 @@ TEST_F(ConfigValue, APathThatIsJustShortEnoughIsTried) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

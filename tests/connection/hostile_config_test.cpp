@@ -12,11 +12,13 @@
 #include <string>
 #include <vector>
 
+#include "base/files.h"
 #include "connection/connection_config.h"
 #include "connection/connection_state.h"
-#include "handles.h"
 #include "support/sandbox.h"
 #include "support/temp_directory.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -221,3 +223,5 @@ TEST_F(HostileConfig, AVeryLongLineGivesNoRuntimeFiles) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -10,6 +10,8 @@
 #include "connection/connection_state.h"
 #include "support/sandbox.h"
 
+namespace ostrafel {
+
 namespace {
 
 class PortFile : public testing::Test {
@@ -39,3 +41,5 @@ TEST_F(PortFile, CountsUpToTheFirstNul) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

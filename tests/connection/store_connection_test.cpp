@@ -14,6 +14,8 @@
 #include "support/sandbox.h"
 #include "support/test_store.h"
 
+namespace ostrafel {
+
 namespace {
 
 std::ptrdiff_t OpenDescriptors() {
@@ -162,3 +164,5 @@ TEST_F(Connection, AuthenticationTakesOnlyTheStatusOk) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

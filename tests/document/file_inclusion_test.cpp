@@ -8,8 +8,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "handles.h"
+#include "base/files.h"
+#include "document/document.h"
 #include "support/sandbox.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -156,3 +159,5 @@ TEST_F(Inclusion, FilesExistWhenTheyCanBeOpened) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

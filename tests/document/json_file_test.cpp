@@ -9,6 +9,8 @@
 
 #include "support/temp_directory.h"
 
+namespace ostrafel {
+
 namespace {
 
 class LoadJson : public testing::Test {
@@ -118,3 +120,5 @@ TEST_F(LoadJson, NamesTheLineOfAnError) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -10,6 +10,8 @@
 
 #include "driver/usage_text.h"
 
+namespace ostrafel {
+
 namespace {
 
 class CheckedArguments : public testing::Test {
@@ -88,3 +90,5 @@ TEST_F(CheckedArguments, TheFirstThreeMustNotBeEmpty) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "driver/equals_ignore_case.h"
+#include "base/equals_ignore_case.h"
 
 #include <gtest/gtest.h>
+
+namespace ostrafel {
 
 namespace {
 
@@ -25,3 +27,5 @@ TEST(EqualsIgnoreCase, ComparesLettersWithoutTheirCase) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

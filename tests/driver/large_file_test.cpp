@@ -16,8 +16,10 @@
 #include <vector>
 
 #include "document/json_file.h"
-#include "driver/static_data_walk.h"
+#include "loading/static_data_walk.h"
 #include "support/temp_directory.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -88,3 +90,5 @@ TEST(DistantTime, OfAFileOrFolderIsNoObstacle) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -11,6 +11,8 @@
 
 #include "driver/standard_descriptors.h"
 
+namespace ostrafel {
+
 namespace {
 
 // Closes a descriptor and lets no other be opened while it lives.
@@ -52,3 +54,5 @@ TEST(NoNullDevice, IsReportedForAClosedDescriptor) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

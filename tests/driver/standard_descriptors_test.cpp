@@ -11,6 +11,8 @@
 
 #include <initializer_list>
 
+namespace ostrafel {
+
 namespace {
 
 constexpr int kRefused = 8;
@@ -76,3 +78,5 @@ TEST(StandardDescriptors, AreEnoughWhenTheNullDeviceIsNotNeeded) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

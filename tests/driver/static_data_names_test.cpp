@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "driver/static_data_walk.h"
+#include "loading/static_data_walk.h"
 #include "support/temp_directory.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -32,3 +34,5 @@ TEST(StaticDataNames, AFileWithoutAPointInItsWholePathIsNoJsonFile) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

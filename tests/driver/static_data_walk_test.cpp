@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "driver/static_data_walk.h"
+#include "loading/static_data_walk.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "support/temp_directory.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -235,3 +237,5 @@ TEST(PathTests, FileNamesAreWhatFollowsTheLastSlash) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

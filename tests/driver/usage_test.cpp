@@ -7,6 +7,8 @@
 
 #include "driver/usage_text.h"
 
+namespace ostrafel {
+
 namespace {
 
 TEST(Usage, IsPrintedOnStandardErrorAsItStands) {
@@ -18,3 +20,5 @@ TEST(Usage, IsPrintedOnStandardErrorAsItStands) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -16,10 +16,10 @@
 #include <string>
 #include <vector>
 
+#include "connection/reply.h"
 #include "faults/breaking_endpoint.h"
 #include "faults/eventful_tree.h"
 #include "faults/fault_fixture.h"
-#include "handles.h"
 #include "support/program.h"
 #include "support/redis_reply.h"
 #include "support/resp.h"
@@ -63,7 +63,7 @@ class ScriptedServerTest : public FaultTest, public testing::WithParamInterface<
   std::string NextReply() {
     void* reply = nullptr;
     if (redisGetReply(context_.get(), &reply) != REDIS_OK) return context_->errstr;
-    const Reply owner(static_cast<redisReply*>(reply));
+    const ostrafel::Reply owner(static_cast<redisReply*>(reply));
     return Format(Convert(*owner));
   }
 

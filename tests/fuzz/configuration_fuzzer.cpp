@@ -137,7 +137,7 @@ Machine MakeMachine(const World& world) {
 bool Open(Machine* machine) {
   const AllocateInArena allocate_in_arena(false);
   const OnMachine on_machine(machine);
-  return OpenStoreConnection() != nullptr;
+  return ostrafel::OpenStoreConnection() != nullptr;
 }
 
 std::string AddressOf(const Machine& machine) {
@@ -164,7 +164,7 @@ void CheckOpening(const Expected& expected, const World& world, Machine* machine
 }  // namespace
 
 void TestOneInput(std::string_view input) {
-  ResetConnectionState();
+  ostrafel::ResetConnectionState();
   const World world = MakeWorld(SplitRecords(input));
   Machine machine = MakeMachine(world);
   Expected expected = Expect(world, machine);
@@ -180,5 +180,5 @@ void TestOneInput(std::string_view input) {
   if (is_remembered && !machine.opened_paths.empty()) {
     ReportDifference("the files", "none", machine.opened_paths[0]);
   }
-  ResetConnectionState();
+  ostrafel::ResetConnectionState();
 }

@@ -91,12 +91,12 @@ class Pair {
  public:
   Pair() {
     for (const char* extension : {"json", "xml"}) SetIncluded(extension, "{\"Included\": [1]}");
-    ConnectionConfig config;
-    config.type = UnixSocket;
+    ostrafel::ConnectionConfig config;
+    config.type = ostrafel::UnixSocket;
     config.socket_path = "/redis.sock";
-    ConnectionConfigCopy = config;
+    ostrafel::ConnectionConfigCopy = config;
   }
-  ~Pair() { ResetConnectionState(); }
+  ~Pair() { ostrafel::ResetConnectionState(); }
   Pair(const Pair&) = delete;
   Pair& operator=(const Pair&) = delete;
 

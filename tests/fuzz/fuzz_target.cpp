@@ -27,9 +27,9 @@ int RunProgram(Machine* machine, const std::vector<std::string>& arguments) {
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
 
-  ResetStoreState();
+  ostrafel::ResetStoreState();
   const OnMachine on_machine(machine);
-  const int status = RunOstrafel(static_cast<int>(texts.size()), pointers.data());
-  ResetStoreState();
+  const int status = ostrafel::RunOstrafel(static_cast<int>(texts.size()), pointers.data());
+  ostrafel::ResetStoreState();
   return status & 0xFF;
 }

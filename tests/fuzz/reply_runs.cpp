@@ -40,9 +40,9 @@ Machine MachineOf(const ReplyRun& run) {
 }
 
 void Connect(const ReplyRun& run) {
-  ConnectionConfig config;
-  config.type = UnixSocket;
+  ostrafel::ConnectionConfig config;
+  config.type = ostrafel::UnixSocket;
   config.socket_path = "/redis.sock";
   if (run.has_password) config.password = kPassword;
-  ConnectionConfigCopy = config;
+  ostrafel::ConnectionConfigCopy = config;
 }

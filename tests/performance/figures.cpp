@@ -13,7 +13,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "handles.h"
+#include "document/document.h"
 #include "support/process.h"
 #include "support/sandbox.h"
 
@@ -57,7 +57,7 @@ Versions MachineVersions() {
 
 Figures ReadFigures(const std::string& path) {
   json_error_t error;
-  const Document document(json_load_file(path.c_str(), 0, &error));
+  const ostrafel::Document document(json_load_file(path.c_str(), 0, &error));
   if (!document) throw std::runtime_error(path + ": " + error.text);
   Figures figures;
   const char* name = nullptr;
@@ -72,7 +72,7 @@ Figures ReadFigures(const std::string& path) {
 }
 
 void WriteFigures(const std::string& path, const Figures& figures) {
-  const Document document(json_object());
+  const ostrafel::Document document(json_object());
   for (const auto& [name, cost] : figures.runs) {
     json_object_set_new(
         document.get(), name.c_str(),

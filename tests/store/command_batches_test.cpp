@@ -11,6 +11,8 @@
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 constexpr const char* kWarning = "The data in database would be incorrect\n";
@@ -305,3 +307,5 @@ TEST_F(BrokenFlush, RepliesOfOtherTypesAreBad) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -1,13 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/decimal_text.h"
+#include "layout/decimal_text.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
 #include <string>
+
+namespace ostrafel {
 
 namespace {
 
@@ -47,3 +49,5 @@ TEST(DecimalText, AgreesWithTheStandardLibraryUpToFiveDigits) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -10,6 +10,8 @@
 
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 std::vector<std::string> KeysOf(const KeyedBatch<KeptTexts>& batch) {
@@ -69,3 +71,5 @@ TEST(KeyedBatch, TextsStayWholeBesideManyAndLongOnes) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

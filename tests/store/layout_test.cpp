@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/layout.h"
+#include "layout/layout.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+
+namespace ostrafel {
 
 namespace {
 
@@ -92,3 +94,5 @@ TEST(ReservedProperties, AreTheseFifteenToTheByte) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

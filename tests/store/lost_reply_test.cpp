@@ -13,6 +13,8 @@
 #include "store/store_state.h"
 #include "support/sandbox.h"
 
+namespace ostrafel {
+
 namespace {
 
 class LostReply : public StoreTest {};
@@ -56,3 +58,5 @@ TEST_F(LostReply, AReservedMemberWithoutAValueIsNotWritten) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -3,7 +3,7 @@
 
 // A server that leaves while a pipeline is on its way to it: whatever it has answered, no answer
 // counts.
-#include "store/pipeline.h"
+#include "redis/pipeline.h"
 
 #include <gtest/gtest.h>
 
@@ -14,14 +14,16 @@
 
 #include "connection/broken_pipe.h"
 #include "connection/store_connection.h"
+#include "redis/replies.h"
+#include "redis/tree_removal.h"
 #include "store/command_batches.h"
 #include "store/pruning.h"
-#include "store/replies.h"
 #include "store/store_state.h"
-#include "store/tree_removal.h"
 #include "support/leaving_server.h"
 #include "support/repeated.h"
 #include "support/sandbox.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -180,3 +182,5 @@ TEST_F(BrokenPipeline, FailsTheRemovalOfATreeAtOnce) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -12,6 +12,8 @@
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 class MatchingKeys : public StoreTest {};
@@ -144,3 +146,5 @@ TEST_F(PrunedPrefix, LookingUpAddsWhatIsAbsent) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

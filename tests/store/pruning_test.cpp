@@ -10,6 +10,8 @@
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 constexpr bool kInList = true;
@@ -323,3 +325,5 @@ TEST_F(PlainLists, AreNeitherMissingNorOfAnotherType) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

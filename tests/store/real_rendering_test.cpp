@@ -16,8 +16,10 @@
 #include <string>
 #include <vector>
 
-#include "handles.h"
-#include "store/value_rendering.h"
+#include "document/document.h"
+#include "layout/value_rendering.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -147,3 +149,5 @@ TEST(RenderedReals, AreExactFromTheSmallestToTheLargest) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

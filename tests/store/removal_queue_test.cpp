@@ -11,6 +11,8 @@
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 class RemovalQueue : public StoreTest {};
@@ -73,3 +75,5 @@ TEST_F(RemovalQueue, AFailedFlushQueuesNothingAndTheNextRemovalFlushesAgain) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

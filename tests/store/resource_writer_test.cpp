@@ -12,6 +12,8 @@
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 // Writes as a create does: nothing is pruned, so nothing is sent before a flush.
@@ -375,3 +377,5 @@ TEST_F(UpdateWriter, AnObjectWithAnEmptyIdIsPrunedAtItsDerivedKeyAndWrittenAtThe
 }
 
 }  // namespace
+
+}  // namespace ostrafel

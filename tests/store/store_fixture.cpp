@@ -11,6 +11,8 @@
 #include "store/store_state.h"
 #include "support/sandbox.h"
 
+namespace ostrafel {
+
 namespace {
 
 std::string RecorderSocket() { return RuntimeDirectory() + "/recorder.sock"; }
@@ -77,3 +79,5 @@ Document Parse(const std::string& json) {
   if (!document) throw std::runtime_error(json + ": " + error.text);
   return document;
 }
+
+}  // namespace ostrafel

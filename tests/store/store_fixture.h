@@ -13,9 +13,11 @@
 #include <vector>
 
 #include "connection/store_connection.h"
-#include "handles.h"
+#include "document/document.h"
 #include "support/recorder.h"
 #include "support/test_store.h"
+
+namespace ostrafel {
 
 /// Single operations of the store against a real, empty server, through a Recorder.
 class StoreTest : public testing::Test {
@@ -57,5 +59,7 @@ std::string PendingRemovalsText();
 
 /// A value from its JSON text, which must be an object or an array.
 Document Parse(const std::string& json);
+
+}  // namespace ostrafel
 
 #endif  // OSTRAFEL_TESTS_STORE_STORE_FIXTURE_H_

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace ostrafel {
+
 namespace {
 
 void ExpectStart() {
@@ -42,3 +44,5 @@ TEST(StoreState, ResetBringsTheStartBack) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

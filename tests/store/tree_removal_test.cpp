@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/tree_removal.h"
+#include "redis/tree_removal.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,8 @@
 #include <string>
 
 #include "store/store_fixture.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -135,3 +137,5 @@ TEST_F(TreeRemoval, AnEmptyOrMissingUriIsALogicError) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

@@ -12,6 +12,8 @@
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
+namespace ostrafel {
+
 namespace {
 
 class UpdateShapes : public StoreTest {
@@ -61,3 +63,5 @@ TEST_F(UpdateShapes, AMarkThatEndsWithASlashCountsForTheKeysBelowIt) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

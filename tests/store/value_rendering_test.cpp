@@ -1,14 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/value_rendering.h"
+#include "layout/value_rendering.h"
 
 #include <gtest/gtest.h>
 
 #include <cfloat>
 #include <string>
 
-#include "handles.h"
+#include "document/document.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -144,3 +146,5 @@ TEST(EscapeText, EscapesBackslashesBeforeQuotes) {
 }
 
 }  // namespace
+
+}  // namespace ostrafel

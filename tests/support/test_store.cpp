@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "handles.h"
+#include "connection/reply.h"
 #include "support/redis_reply.h"
 
 namespace {
@@ -46,7 +46,7 @@ model::Reply TestStore::Run(const model::Command& command) {
     arguments.push_back(argument.data());
     sizes.push_back(argument.size());
   }
-  const Reply reply(static_cast<redisReply*>(redisCommandArgv(
+  const ostrafel::Reply reply(static_cast<redisReply*>(redisCommandArgv(
       context_.get(), static_cast<int>(arguments.size()), arguments.data(), sizes.data())));
   if (!reply) throw std::runtime_error("no reply to " + command.front());
   return Convert(*reply);

@@ -1,14 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/value_rendering.h"
+#include "layout/value_rendering.h"
 
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
 
-#include "store/decimal_text.h"
+#include "layout/decimal_text.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -84,3 +86,5 @@ std::string RenderValue(const json_t* value) {
       return {};
   }
 }
+
+}  // namespace ostrafel

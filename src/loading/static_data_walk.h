@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Which files a run loads, and the key that each one's resource goes to.
-#ifndef OSTRAFEL_DRIVER_STATIC_DATA_WALK_H_
-#define OSTRAFEL_DRIVER_STATIC_DATA_WALK_H_
+#ifndef OSTRAFEL_LOADING_STATIC_DATA_WALK_H_
+#define OSTRAFEL_LOADING_STATIC_DATA_WALK_H_
 
 #include <string>
 #include <vector>
+
+namespace ostrafel {
 
 /// The work of a run, in order: entry i of paths is the file to read, entry i of keys the key that
 /// its root object goes to.
@@ -42,4 +44,6 @@ struct LoadList {
 [[nodiscard]] bool WalkStaticData(const std::string& directory, const std::string& key,
                                   const std::string& file_name, LoadList* list);
 
-#endif  // OSTRAFEL_DRIVER_STATIC_DATA_WALK_H_
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_LOADING_STATIC_DATA_WALK_H_

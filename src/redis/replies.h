@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Asking the server and reading what it answers.
-#ifndef OSTRAFEL_STORE_REPLIES_H_
-#define OSTRAFEL_STORE_REPLIES_H_
+#ifndef OSTRAFEL_REDIS_REPLIES_H_
+#define OSTRAFEL_REDIS_REPLIES_H_
 
 #include <hiredis/hiredis.h>
 
@@ -11,7 +11,9 @@
 #include <functional>
 #include <string>
 
-#include "handles.h"
+#include "connection/reply.h"
+
+namespace ostrafel {
 
 /// Sends one command, formatted by hiredis, and waits for its reply. Every "%s" takes a
 /// NUL-terminated text and every "%d" an int; data is never part of the format. Returns nothing
@@ -38,4 +40,6 @@ template <typename... Arguments>
 [[nodiscard]] unsigned ScanAll(const std::function<Reply(int cursor)>& ask, std::size_t step,
                                const std::function<unsigned(const std::string& item)>& take);
 
-#endif  // OSTRAFEL_STORE_REPLIES_H_
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_REDIS_REPLIES_H_

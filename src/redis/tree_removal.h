@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef OSTRAFEL_STORE_TREE_REMOVAL_H_
-#define OSTRAFEL_STORE_TREE_REMOVAL_H_
+#ifndef OSTRAFEL_REDIS_TREE_REMOVAL_H_
+#define OSTRAFEL_REDIS_TREE_REMOVAL_H_
 
 #include <hiredis/hiredis.h>
+
+namespace ostrafel {
 
 /// Deletes, at once, every key of the tree under uri: the keys that match
 ///   uri, uri/*, &&uri/*    or, for a uri that ends with a slash,    uri, uri*, &&uri*
@@ -19,4 +21,6 @@
 /// too long for the standard library (prints "Failed to push data: %s.\n").
 [[nodiscard]] unsigned RemoveResourceTree(redisContext* context, const char* uri);
 
-#endif  // OSTRAFEL_STORE_TREE_REMOVAL_H_
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_REDIS_TREE_REMOVAL_H_

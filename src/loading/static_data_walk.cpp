@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "driver/static_data_walk.h"
+#include "loading/static_data_walk.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -10,8 +10,10 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "driver/equals_ignore_case.h"
-#include "handles.h"
+#include "base/equals_ignore_case.h"
+#include "base/files.h"
+
+namespace ostrafel {
 
 // Or stat and readdir would take a large file or a long inode number for an error.
 static_assert(sizeof(off_t) == 8 && sizeof(ino_t) == 8, "compile with _FILE_OFFSET_BITS=64");
@@ -84,3 +86,5 @@ bool WalkStaticData(const std::string& directory, const std::string& key,
     }
   }
 }
+
+}  // namespace ostrafel

@@ -24,13 +24,15 @@
 // - Empty objects and arrays have a reference record and no key: Redis has no empty hash or list.
 //
 // Readers of the store rely on every byte of this, blanks included.
-#ifndef OSTRAFEL_STORE_LAYOUT_H_
-#define OSTRAFEL_STORE_LAYOUT_H_
+#ifndef OSTRAFEL_LAYOUT_LAYOUT_H_
+#define OSTRAFEL_LAYOUT_LAYOUT_H_
 
 #include <functional>
 #include <set>
 #include <string>
 #include <string_view>
+
+namespace ostrafel {
 
 /// Points to the hash of a nested object. The blank that ends each marker is part of it.
 inline constexpr const char* ObjectMarker = "&&Object ";
@@ -67,4 +69,6 @@ void AppendRecordEnd(std::string* record, std::string_view name, std::string_vie
 /// key ends with a slash. Glob characters in key keep their meaning.
 [[nodiscard]] std::string SubtreePattern(const std::string& key);
 
-#endif  // OSTRAFEL_STORE_LAYOUT_H_
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_LAYOUT_LAYOUT_H_

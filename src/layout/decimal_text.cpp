@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/decimal_text.h"
+#include "layout/decimal_text.h"
 
 #include <array>
 #include <cstddef>
+
+namespace ostrafel {
 
 namespace {
 
@@ -40,3 +42,5 @@ std::string DecimalText(std::int32_t value) {
   if (value < 0) digits[--start] = '-';
   return {digits.data() + start, digits.size() - start};
 }
+
+}  // namespace ostrafel

@@ -2,14 +2,16 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Commands that travel together: all are sent before the first reply is read.
-#ifndef OSTRAFEL_STORE_PIPELINE_H_
-#define OSTRAFEL_STORE_PIPELINE_H_
+#ifndef OSTRAFEL_REDIS_PIPELINE_H_
+#define OSTRAFEL_REDIS_PIPELINE_H_
 
 #include <hiredis/hiredis.h>
 
 #include <cstddef>
 
-#include "handles.h"
+#include "connection/reply.h"
+
+namespace ostrafel {
 
 /// A pipeline under construction; until its replies are read, send nothing else.
 ///
@@ -47,4 +49,6 @@ void FinishPipeline(const Pipeline& pipeline);
 /// "Failed to get reply\n", when it cannot be read. A reply that is read may still be empty.
 [[nodiscard]] bool ReadPipelinedReply(const Pipeline& pipeline, Reply* reply);
 
-#endif  // OSTRAFEL_STORE_PIPELINE_H_
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_REDIS_PIPELINE_H_

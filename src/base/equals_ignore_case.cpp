@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "driver/equals_ignore_case.h"
+#include "base/equals_ignore_case.h"
 
 #include <algorithm>
 #include <cctype>
 #include <string_view>
+
+namespace ostrafel {
 
 bool EqualsIgnoreCase(const char* a, const char* b) {
   const std::string_view left(a);
@@ -16,3 +18,5 @@ bool EqualsIgnoreCase(const char* a, const char* b) {
   };
   return std::equal(left.begin(), left.end(), right.begin(), right.end(), equal);
 }
+
+}  // namespace ostrafel

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/pipeline.h"
+#include "redis/pipeline.h"
 
 #include <cstdio>
+
+namespace ostrafel {
 
 void SendPiece(const Pipeline& pipeline) {
   int is_sent = 0;  // a signal may cut a write short
@@ -25,3 +27,5 @@ bool ReadPipelinedReply(const Pipeline& pipeline, Reply* reply) {
   if (!was_read) (void)std::fputs("Failed to get reply\n", stderr);
   return was_read;
 }
+
+}  // namespace ostrafel

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/tree_removal.h"
+#include "redis/tree_removal.h"
 
 #include <array>
 #include <cstddef>
@@ -9,8 +9,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "store/pipeline.h"
-#include "store/replies.h"
+#include "redis/pipeline.h"
+#include "redis/replies.h"
+
+namespace ostrafel {
 
 namespace {
 
@@ -49,3 +51,5 @@ unsigned RemoveResourceTree(redisContext* context, const char* uri) {
   }
   return 1;
 }
+
+}  // namespace ostrafel

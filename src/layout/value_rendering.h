@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The stored text of a scalar JSON value.
-#ifndef OSTRAFEL_STORE_VALUE_RENDERING_H_
-#define OSTRAFEL_STORE_VALUE_RENDERING_H_
+#ifndef OSTRAFEL_LAYOUT_VALUE_RENDERING_H_
+#define OSTRAFEL_LAYOUT_VALUE_RENDERING_H_
 
 #include <jansson.h>
 
 #include <string>
+
+namespace ostrafel {
 
 /// Renders a scalar as it is stored:
 ///   string   in double quotes, a backslash before every backslash and double quote, nothing else
@@ -26,4 +28,6 @@ void EscapeText(std::string& text);
 /// is not searched again. from must not be empty.
 void ReplaceAll(std::string& text, const std::string& from, const std::string& to);
 
-#endif  // OSTRAFEL_STORE_VALUE_RENDERING_H_
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_LAYOUT_VALUE_RENDERING_H_

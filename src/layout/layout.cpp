@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/layout.h"
+#include "layout/layout.h"
 
 #include <algorithm>
 #include <cstring>
+
+namespace ostrafel {
 
 const std::set<std::string, std::less<>> ReservedPropertySet = {
     "&&AllowMethod",
@@ -63,3 +65,5 @@ std::string SubtreePattern(const std::string& key) {
   const bool ends_with_slash = !key.empty() && key.back() == '/';
   return key + (ends_with_slash ? "*" : "/*");
 }
+
+}  // namespace ostrafel

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "store/replies.h"
+#include "redis/replies.h"
 
 #include <cstdlib>
+
+namespace ostrafel {
 
 namespace {
 
@@ -37,3 +39,5 @@ unsigned ScanAll(const std::function<Reply(int cursor)>& ask, std::size_t step,
   } while (cursor != 0);
   return 1;
 }
+
+}  // namespace ostrafel
