@@ -10,7 +10,7 @@
 
 #include "pieces/expect.h"
 #include "pieces/queue_items.h"
-#include "store/command_batches.h"
+#include "store/queue.h"
 #include "store/store_state.h"
 
 namespace ostrafel {
@@ -23,9 +23,9 @@ void MeasurePutHashField(benchmark::State& state) {
   const std::vector<QueueItem> items = MakeQueueItems(8);
   unsigned result = 1;
   while (state.KeepRunningBatch(kBatchItems)) result &= QueueFields(nullptr, items);
-  Expect(result == 1 && HashBatchCount == kBatchItems && HashBatch.size() == kKeys,
+  Expect(result == 1 && Store->HashBatchCount == kBatchItems && Store->HashBatch.size() == kKeys,
          "the fields were queued");
-  ResetStoreState();
+  Store.emplace();
 }
 BENCHMARK(MeasurePutHashField)->Name("PutHashField/new");
 
@@ -35,9 +35,9 @@ void MeasurePutHashFieldAgain(benchmark::State& state) {
   for (QueueItem& item : items) item.key = items.front().key;
   unsigned result = 1;
   while (state.KeepRunningBatch(kBatchItems)) result &= QueueFields(nullptr, items);
-  Expect(result == 1 && HashBatchCount == kBatchItems && HashBatch.size() == 1,
+  Expect(result == 1 && Store->HashBatchCount == kBatchItems && Store->HashBatch.size() == 1,
          "the fields were replaced");
-  ResetStoreState();
+  Store.emplace();
 }
 BENCHMARK(MeasurePutHashFieldAgain)->Name("PutHashField/replaced");
 
@@ -45,9 +45,9 @@ void MeasurePutListItem(benchmark::State& state) {
   const std::vector<QueueItem> items = MakeQueueItems(8);
   unsigned result = 1;
   while (state.KeepRunningBatch(kBatchItems)) result &= QueueValues(nullptr, items);
-  Expect(result == 1 && ListBatchCount == kBatchItems && ListBatch.size() == kKeys,
+  Expect(result == 1 && Store->ListBatchCount == kBatchItems && Store->ListBatch.size() == kKeys,
          "the values were queued");
-  ResetStoreState();
+  Store.emplace();
 }
 BENCHMARK(MeasurePutListItem)->Name("PutListItem");
 

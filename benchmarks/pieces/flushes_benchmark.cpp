@@ -10,29 +10,30 @@
 #include "pieces/expect.h"
 #include "pieces/queue_items.h"
 #include "pieces/sandbox_server.h"
-#include "store/command_batches.h"
+#include "redis/redis_server.h"
+#include "store/queue.h"
 #include "store/store_state.h"
 
 namespace ostrafel {
 
 namespace {
 
-using Queue = unsigned (*)(redisContext*, const std::vector<QueueItem>&);
-using Flush = unsigned (*)(redisContext*);
+using Queue = unsigned (*)(Server*, const std::vector<QueueItem>&);
+using Flush = unsigned (*)(Server*);
 
 // length is the command that tells how much a key of the kind holds.
 void MeasureFlushOfWrites(benchmark::State& state, Queue queue, Flush flush, const char* length) {
-  const StoreConnection connection = ConnectSandboxServer(state);
-  if (!connection) return;
-  redisContext* context = connection.get();
+  Server server = {ConnectSandboxServer(state)};
+  redisContext* context = server.connection.get();
+  if (context == nullptr) return;
   const std::vector<QueueItem> items = MakeQueueItems(8);
   unsigned result = 1;
   while (state.KeepRunningBatch(kBatchItems)) {
     state.PauseTiming();
     EmptyServer(context);
-    result &= queue(context, items);
+    result &= queue(&server, items);
     state.ResumeTiming();
-    result &= flush(context);
+    result &= flush(&server);
   }
   Expect(result == 1 && AskForInteger(context, "DBSIZE") == kBatchItems / 8 &&
              AskForInteger(context, length, items.back().key.c_str()) == 8,
@@ -47,24 +48,24 @@ BENCHMARK_CAPTURE(MeasureFlushOfWrites, lists, QueueValues, FlushListBatch, "LLE
 
 // Everything that is to be removed is there.
 void MeasureFlushRemovalBatch(benchmark::State& state, RemovalKind kind, int items_per_key) {
-  const StoreConnection connection = ConnectSandboxServer(state);
-  if (!connection) return;
-  redisContext* context = connection.get();
+  Server server = {ConnectSandboxServer(state)};
+  redisContext* context = server.connection.get();
+  if (context == nullptr) return;
   const std::vector<QueueItem> items = MakeQueueItems(static_cast<std::size_t>(items_per_key));
   EmptyServer(context);
   unsigned result = 1;
   while (state.KeepRunningBatch(kBatchItems)) {
     state.PauseTiming();
     if (kind == RemoveListValue) {
-      result &= QueueValues(context, items) & FlushListBatch(context);
+      result &= QueueValues(&server, items) & FlushListBatch(&server);
     } else {
-      result &= QueueFields(context, items) & FlushHashBatch(context);
+      result &= QueueFields(&server, items) & FlushHashBatch(&server);
     }
     Expect(AskForInteger(context, "DBSIZE") == static_cast<long long>(kBatchItems) / items_per_key,
            "the server holds what will be removed");
-    result &= QueueRemovals(context, items, kind);
+    result &= QueueRemovals(&server, items, kind);
     state.ResumeTiming();
-    result &= FlushRemovalBatch(context);
+    result &= FlushRemovalBatch(&server);
   }
   Expect(result == 1 && AskForInteger(context, "DBSIZE") == 0, "all of it is removed");
 }

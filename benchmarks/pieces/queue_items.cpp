@@ -5,8 +5,6 @@
 
 #include <array>
 
-#include "store/command_batches.h"
-
 namespace ostrafel {
 
 std::vector<QueueItem> MakeQueueItems(std::size_t items_per_key) {
@@ -24,30 +22,29 @@ std::vector<QueueItem> MakeQueueItems(std::size_t items_per_key) {
   return items;
 }
 
-unsigned QueueFields(redisContext* context, const std::vector<QueueItem>& items) {
-  ResetStoreState();
+unsigned QueueFields(Server* server, const std::vector<QueueItem>& items) {
+  Store.emplace();
   unsigned result = 1;
   for (const auto& [key, field, value] : items) {
-    result &= PutHashField(context, key.c_str(), field.c_str(), value.c_str());
+    result &= PutHashField(server, key, {field}, value);
   }
   return result;
 }
 
-unsigned QueueValues(redisContext* context, const std::vector<QueueItem>& items) {
-  ResetStoreState();
+unsigned QueueValues(Server* server, const std::vector<QueueItem>& items) {
+  Store.emplace();
   unsigned result = 1;
   for (const auto& [key, field, value] : items) {
-    result &= PutListItem(context, key.c_str(), value.c_str());
+    result &= PutListItem(server, key, {value});
   }
   return result;
 }
 
-unsigned QueueRemovals(redisContext* context, const std::vector<QueueItem>& items,
-                       RemovalKind kind) {
-  ResetStoreState();
+unsigned QueueRemovals(Server* server, const std::vector<QueueItem>& items, RemovalKind kind) {
+  Store.emplace();
   unsigned result = 1;
   for (const auto& [key, field, value] : items) {
-    result &= QueueRemoval(context, key, kind == RemoveField ? field : value, kind);
+    result &= QueueRemoval(server, key, {kind == RemoveField ? field : value}, kind);
   }
   return result;
 }

@@ -5,13 +5,11 @@
 #ifndef OSTRAFEL_BENCHMARKS_PIECES_QUEUE_ITEMS_H_
 #define OSTRAFEL_BENCHMARKS_PIECES_QUEUE_ITEMS_H_
 
-#include <hiredis/hiredis.h>
-
 #include <cstddef>
 #include <string>
 #include <vector>
 
-#include "store/pruning.h"
+#include "store/queue.h"
 #include "store/store_state.h"
 
 namespace ostrafel {
@@ -31,11 +29,11 @@ inline constexpr std::size_t kBatchItems = BatchLimit;
 [[nodiscard]] std::vector<QueueItem> MakeQueueItems(std::size_t items_per_key);
 
 /// These empty the state of the store and queue every item: into HashBatch, into ListBatch, or the
-/// removal of it into RemovalBatch. Nothing is flushed, so context may be null. Return 1 when each
+/// removal of it into RemovalBatch. Nothing is flushed, so server may be null. Return 1 when each
 /// item was queued, else 0.
-[[nodiscard]] unsigned QueueFields(redisContext* context, const std::vector<QueueItem>& items);
-[[nodiscard]] unsigned QueueValues(redisContext* context, const std::vector<QueueItem>& items);
-[[nodiscard]] unsigned QueueRemovals(redisContext* context, const std::vector<QueueItem>& items,
+[[nodiscard]] unsigned QueueFields(Server* server, const std::vector<QueueItem>& items);
+[[nodiscard]] unsigned QueueValues(Server* server, const std::vector<QueueItem>& items);
+[[nodiscard]] unsigned QueueRemovals(Server* server, const std::vector<QueueItem>& items,
                                      RemovalKind kind);
 
 }  // namespace ostrafel

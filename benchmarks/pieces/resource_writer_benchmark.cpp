@@ -21,18 +21,19 @@ namespace ostrafel {
 namespace {
 
 void BeginCreate() {
-  ResetStoreState();
-  MergeMode = false;
+  Store.emplace();
+  Store->MergeMode = false;
 }
 
 void MeasureWriteResource(benchmark::State& state, const char* file) {
-  const Document document =
+  const JsonFile document =
       LoadJsonFile((std::string(OSTRAFEL_SOURCE_DIR "/examples/rackmount/") + file).c_str());
   BeginCreate();
-  Expect(document && WriteResource(nullptr, "/redfish/v1/Copies/1000", document.get()) == 1,
-         "the document can be written");
-  const std::uint32_t fields = HashBatchCount;
-  const std::uint32_t values = ListBatchCount;
+  Expect(
+      document.root && WriteResource(nullptr, "/redfish/v1/Copies/1000", document.root.get()) == 1,
+      "the document can be written");
+  const std::uint32_t fields = Store->HashBatchCount;
+  const std::uint32_t values = Store->ListBatchCount;
   Expect(fields > 10, "a resource has fields");
 
   std::vector<std::string> keys;
@@ -42,12 +43,12 @@ void MeasureWriteResource(benchmark::State& state, const char* file) {
   unsigned result = 1;
   while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(keys.size()))) {
     BeginCreate();
-    for (const std::string& key : keys) result &= WriteResource(nullptr, key, document.get());
+    for (const std::string& key : keys) result &= WriteResource(nullptr, key, document.root.get());
   }
-  Expect(result == 1 && HashBatchCount == fields * keys.size() &&
-             ListBatchCount == values * keys.size(),
+  Expect(result == 1 && Store->HashBatchCount == fields * keys.size() &&
+             Store->ListBatchCount == values * keys.size(),
          "each resource was queued whole");
-  ResetStoreState();
+  Store.emplace();
   state.counters["fields"] = fields;
   state.counters["values"] = values;
 }

@@ -18,20 +18,21 @@ namespace ostrafel {
 
 namespace {
 
-// Texts are read and paths are formed in buffers of this size, the closing NUL included.
-constexpr std::size_t kTextSize = 1024;
+// Lines are read and paths are formed in buffers of this size, the closing NUL included.
+constexpr std::size_t kLineSize = 1024;
 
 // The only TCP port that is accepted: Redis's own default.
 constexpr std::int32_t kDefaultPort = 6379;
 
-// Prints the directory part of the path on the first "unixsocket " line, without a line end.
+// Prints the directory part of the path on the first "unixsocket " line, without a line end. The
+// run of spaces stays: rules of an audit may hold the whole command line.
 constexpr const char* kRuntimeDirectoryCommand =
     "dirname $(grep -m 1 '^unixsocket ' /etc/redis/redis.conf |                 "
     "awk '{print $2}') | tr -d '\\n'";
 
-// Reads one line of at most kTextSize - 1 bytes; nothing at the end of the file or on an error.
+// Reads one line of at most kLineSize - 1 bytes; nothing at the end of the file or on an error.
 std::optional<std::string> ReadLine(std::FILE* file) {
-  std::array<char, kTextSize> line = {};
+  std::array<char, kLineSize> line = {};
   if (std::fgets(line.data(), static_cast<int>(line.size()), file) == nullptr) return std::nullopt;
   return std::string(line.data());
 }
@@ -63,9 +64,9 @@ std::optional<std::int32_t> ParsePort(const std::string& text) {
 }  // namespace
 
 std::optional<std::string> ReadConfigValue(const char* key, const std::string& directory) {
-  if (key == nullptr || std::strlen(key) + directory.size() >= kTextSize) return std::nullopt;
+  if (key == nullptr || std::strlen(key) + directory.size() >= kLineSize) return std::nullopt;
   std::string path = directory + "/redis." + key;
-  path.resize(std::min(path.size(), kTextSize - 1));
+  path.resize(std::min(path.size(), kLineSize - 1));
   const File file(std::fopen(path.c_str(), "r"));
   if (!file) {
     std::perror("fopen");
@@ -75,7 +76,7 @@ std::optional<std::string> ReadConfigValue(const char* key, const std::string& d
 }
 
 std::optional<ConnectionConfig> ReadConnectionConfig() {
-  if (ConnectionConfigCopy) return ConnectionConfigCopy;
+  if (Connection.ConnectionConfigCopy) return Connection.ConnectionConfigCopy;
 
   const std::optional<std::string> directory = FindRuntimeDirectory();
   if (!directory) return std::nullopt;
@@ -96,7 +97,7 @@ std::optional<ConnectionConfig> ReadConnectionConfig() {
   }
   config.password = ReadConfigValue("requirepass", *directory).value_or("");
 
-  ConnectionConfigCopy = config;
+  Connection.ConnectionConfigCopy = config;
   return config;
 }
 

@@ -5,8 +5,6 @@
 
 namespace ostrafel {
 
-std::optional<ConnectionConfig> ConnectionConfigCopy;
-
-void ResetConnectionState() { ConnectionConfigCopy.reset(); }
+ConnectionState Connection;
 
 }  // namespace ostrafel

@@ -4,11 +4,9 @@
 #include "document/file_inclusion.h"
 
 #include <cstdio>
-#include <string>
 
 #include "base/files.h"
-#include "document/document.h"
-#include "document/json_file.h"
+#include "base/message.h"
 
 namespace ostrafel {
 
@@ -16,42 +14,61 @@ namespace {
 
 constexpr const char* kFileMember = "&&File";
 
-// The text after the last "."; the whole path when it has none.
+// What follows the last "."; the whole path when it has none.
 std::string Extension(const std::string& path) { return path.substr(path.rfind('.') + 1); }
 
-unsigned Refuse(const char* message) {
-  (void)std::fputs(message, stderr);
-  return 0;
+// Puts the members of the file in the place of those of object.
+InclusionEnd Include(json_t* object, const std::string& name, Inclusion* inclusion) {
+  if (name.find("..") != std::string::npos) return InclusionEnd::kParentNotation;
+  inclusion->path = IncludeRoot + name;
+  if (!FileExists(inclusion->path.c_str())) return InclusionEnd::kNotFound;
+  if (Extension(inclusion->path) == "xml") return InclusionEnd::kDone;
+
+  inclusion->file = LoadJsonFile(inclusion->path.c_str());
+  json_t* included = inclusion->file.root.get();
+  if (!json_is_object(included)) return InclusionEnd::kNotObject;
+  if (json_object_clear(object) != 0) return InclusionEnd::kNotCleared;
+  if (json_object_update(object, included) != 0) return InclusionEnd::kNotUpdated;
+  // Replaces a "&&File" that the included file brought. Without it the resource is still whole.
+  (void)json_object_set_new(object, kFileMember, json_string(name.c_str()));
+  return InclusionEnd::kDone;
 }
 
 }  // namespace
 
 bool FileExists(const char* path) { return File(std::fopen(path, "r")) != nullptr; }
 
-unsigned ResolveFileInclusion(json_t* object) {
+Inclusion ResolveFileInclusion(json_t* object) {
+  Inclusion inclusion;
   const json_t* member = json_object_get(object, kFileMember);
-  if (member == nullptr) return 1;
-  if (!json_is_string(member)) return Refuse("The value of &&File is not string type.\n");
-  // A copy: clearing the object below releases the member's own text.
-  const std::string name = json_string_value(member);
-  if (name.find("..") != std::string::npos) return Refuse("Notation '..' is unacceptable.\n");
-
-  const std::string target = IncludeRoot + name;
-  if (!FileExists(target.c_str())) return Refuse("File not found.\n");
-  if (Extension(target) == "xml") return 1;
-
-  const Document included = LoadJsonFile(target.c_str());
-  if (!json_is_object(included.get())) {
-    (void)std::fprintf(stderr, "Unqualified JSON file - %s\n", target.c_str());
-    return 0;
+  if (member == nullptr) return inclusion;
+  if (!json_is_string(member)) {
+    inclusion.end = InclusionEnd::kNotString;
+    return inclusion;
   }
-  if (json_object_clear(object) != 0) return Refuse("Failed to clear properties.\n");
-  if (json_object_update(object, included.get()) != 0) {
-    return Refuse("Failed to update properties.\n");
+  // A copy of the name: clearing the object releases the member.
+  inclusion.end = Include(object, std::string(json_string_value(member)), &inclusion);
+  return inclusion;
+}
+
+void PrintInclusionMessages(const Inclusion& inclusion) {
+  PrintJsonFileMessages(inclusion.file);
+  switch (inclusion.end) {
+    case InclusionEnd::kDone:
+      return;
+    case InclusionEnd::kNotString:
+      return PrintMessage("The value of &&File is not string type.\n");
+    case InclusionEnd::kParentNotation:
+      return PrintMessage("Notation '..' is unacceptable.\n");
+    case InclusionEnd::kNotFound:
+      return PrintMessage("File not found.\n");
+    case InclusionEnd::kNotObject:
+      return PrintMessage("Unqualified JSON file - %s\n", inclusion.path.c_str());
+    case InclusionEnd::kNotCleared:
+      return PrintMessage("Failed to clear properties.\n");
+    case InclusionEnd::kNotUpdated:
+      return PrintMessage("Failed to update properties.\n");
   }
-  // Replaces a "&&File" that the included file brought. Without it the resource is still whole.
-  (void)json_object_set_new(object, kFileMember, json_string(name.c_str()));
-  return 1;
 }
 
 }  // namespace ostrafel

@@ -3,53 +3,54 @@
 
 #include "document/json_file.h"
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
 
 #include "base/files.h"
+#include "base/message.h"
 
 namespace ostrafel {
 
 namespace {
 
-// Set when jansson gets no memory. Its parser leaves out, silently, the characters of a text that
-// it has no memory for.
-bool is_memory_exhausted = false;
-
 void* Allocate(std::size_t size) {
   void* memory = std::malloc(size);
-  if (memory == nullptr) is_memory_exhausted = true;
+  if (memory == nullptr) Documents.is_memory_exhausted = true;
   return memory;
 }
 
-// stdio's buffer of the file that is being read, one at a time. Most files fit in and take one
-// read.
-std::array<char, std::size_t{32} * 1024> file_buffer;
-
 }  // namespace
 
-Document LoadJsonFile(const char* path) {
+DocumentState Documents;
+
+void WatchJsonMemory() { json_set_alloc_funcs(Allocate, std::free); }
+
+JsonFile LoadJsonFile(const char* path) {
+  JsonFile result;
   const File file(std::fopen(path, "r"));
-  if (!file) return nullptr;
-  (void)std::setvbuf(file.get(), file_buffer.data(), _IOFBF, file_buffer.size());
+  if (!file) return result;
+  result.is_open = true;
+  std::array<char, std::size_t{32}* 1024>& buffer = Documents.file_buffer;
+  (void)std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
 
   constexpr std::array<unsigned char, 3> byte_order_mark = {0xEF, 0xBB, 0xBF};
   std::array<unsigned char, 3> start = {};
-  if (std::fread(start.data(), 1, start.size(), file.get()) < start.size()) {
-    (void)std::fputs("error: Failed to read file.\n", stderr);
-  }
+  result.is_short = std::fread(start.data(), 1, start.size(), file.get()) < start.size();
   if (start != byte_order_mark) std::rewind(file.get());
 
-  json_set_alloc_funcs(Allocate, std::free);
-  is_memory_exhausted = false;
-  json_error_t error;
-  Document document(json_loadf(file.get(), 0, &error));
-  if (!document) (void)std::fprintf(stderr, "error: on line %d: %s\n", error.line, error.text);
+  Documents.is_memory_exhausted = false;
+  result.root.reset(json_loadf(file.get(), 0, &result.error));
   // A document that lacks a character must not be stored.
-  if (document && is_memory_exhausted) throw std::bad_alloc();
-  return document;
+  if (result.root && Documents.is_memory_exhausted) throw std::bad_alloc();
+  return result;
+}
+
+void PrintJsonFileMessages(const JsonFile& file) {
+  if (file.is_short) PrintMessage("error: Failed to read file.\n");
+  if (file.is_open && !file.root) {
+    PrintMessage("error: on line %d: %s\n", file.error.line, file.error.text);
+  }
 }
 
 }  // namespace ostrafel

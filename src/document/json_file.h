@@ -1,23 +1,51 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
+// Reading JSON files, with jansson.
 #ifndef OSTRAFEL_DOCUMENT_JSON_FILE_H_
 #define OSTRAFEL_DOCUMENT_JSON_FILE_H_
+
+#include <jansson.h>
+
+#include <array>
+#include <cstddef>
 
 #include "document/document.h"
 
 namespace ostrafel {
 
+/// What reading needs besides the file. One thread uses it, for one file at a time.
+struct DocumentState {
+  /// jansson got no memory: its parser leaves out, silently, the characters of a string for which
+  /// there is none.
+  bool is_memory_exhausted = false;
+  /// stdio's buffer of the file. Most files fit in and take one read.
+  std::array<char, std::size_t{32}* 1024> file_buffer = {};
+};
+extern DocumentState Documents;
+
+/// What became of reading a file.
+struct JsonFile {
+  Document root;            ///< Empty when the file could not be opened or is not JSON.
+  bool is_open = false;     ///< The file could be opened.
+  bool is_short = false;    ///< Fewer than 3 bytes could be read. What there was is parsed.
+  json_error_t error = {};  ///< What the parser says of an open file without a root.
+};
+
+/// Makes jansson report exhausted memory (json_set_alloc_funcs, process-wide). To be called once,
+/// before the first file is read.
+void WatchJsonMemory();
+
 /// Reads the JSON file at path (NUL-terminated) with json_loadf and its flags at 0: the root must
 /// be an object or an array, which the caller tells apart. A UTF-8 byte-order mark at the start is
-/// skipped.
-///
-/// Returns a new reference, or nothing when the file cannot be opened (nothing is printed: the
-/// caller's message names the file) or is not valid JSON (prints "error: on line %d: %s\n" with the
-/// parser's line and text). A file of which fewer than 3 bytes can be read makes it print
-/// "error: Failed to read file.\n" and is parsed all the same. Raises bad_alloc when memory ran out
-/// and the parser did not notice. Sets jansson's allocation functions, process-wide.
-[[nodiscard]] Document LoadJsonFile(const char* path);
+/// skipped. Prints nothing. Raises bad_alloc when memory ran out and the parser did not notice.
+[[nodiscard]] JsonFile LoadJsonFile(const char* path);
+
+/// Prints what the loader says of a file that was read:
+///   "error: Failed to read file.\n"   fewer than 3 bytes
+///   "error: on line %d: %s\n"         not JSON, with the parser's line and words
+/// Of one that could not be opened it says nothing: the caller's message names the file.
+void PrintJsonFileMessages(const JsonFile& file);
 
 }  // namespace ostrafel
 

@@ -3,8 +3,7 @@
 
 #include "driver/arguments.h"
 
-#include <cstdio>
-
+#include "base/message.h"
 #include "driver/usage.h"
 
 namespace ostrafel {
@@ -15,8 +14,7 @@ constexpr const char* kDefaultFileName = "index.json";
 
 bool IsEmpty(const char* text) { return text[0] == '\0'; }
 
-bool RefuseWithUsage(const char* message) {
-  (void)std::fputs(message, stderr);
+bool RefuseWithUsage() {
   PrintUsage();
   return false;
 }
@@ -24,16 +22,20 @@ bool RefuseWithUsage(const char* message) {
 }  // namespace
 
 bool CheckArguments(int argc, char** argv, Arguments* arguments) {
-  if (argc <= 1) return RefuseWithUsage("");
-  if (argc != 4 && argc != 5) return RefuseWithUsage("Incorrect arguments number.\n");
+  if (argc <= 1) return RefuseWithUsage();
+  if (argc != 4 && argc != 5) {
+    PrintMessage("Incorrect arguments number.\n");
+    return RefuseWithUsage();
+  }
   arguments->action = argv[1];
   arguments->static_data_path = argv[2];
   arguments->uri = argv[3];
   arguments->file_name = argc == 5 && !IsEmpty(argv[4]) ? argv[4] : kDefaultFileName;
   if (IsEmpty(arguments->action) || IsEmpty(arguments->static_data_path) ||
       IsEmpty(arguments->uri)) {
-    return RefuseWithUsage(
+    PrintMessage(
         "The required property <Action> <StaticDataPath> <URI> should be a non-empty string.\n");
+    return RefuseWithUsage();
   }
   return true;
 }

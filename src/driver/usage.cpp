@@ -3,7 +3,7 @@
 
 #include "driver/usage.h"
 
-#include <cstdio>
+#include "base/message.h"
 
 namespace ostrafel {
 
@@ -36,6 +36,6 @@ Example,
 
 }  // namespace
 
-void PrintUsage() { (void)std::fputs(kUsage, stderr); }
+void PrintUsage() { PrintMessage("%s", kUsage); }
 
 }  // namespace ostrafel

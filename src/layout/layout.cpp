@@ -4,9 +4,22 @@
 #include "layout/layout.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <stdexcept>
 
 namespace ostrafel {
+
+namespace {
+
+// In front of derived keys, of reserved members and of markers.
+constexpr std::string_view kPrefix = "&&";
+
+bool StartsWith(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
+}  // namespace
 
 const std::set<std::string, std::less<>> ReservedPropertySet = {
     "&&AllowMethod",
@@ -26,44 +39,70 @@ const std::set<std::string, std::less<>> ReservedPropertySet = {
     "&&DateTime",
 };
 
+std::string Join(const Pieces& pieces) {
+  std::size_t size = 0;
+  for (const std::string_view piece : pieces) size += piece.size();
+  std::string text;
+  text.reserve(size);
+  for (const std::string_view piece : pieces) text.append(piece);
+  return text;
+}
+
+Pieces ReferenceRecord(ParentKind parent, std::string_view marker, std::string_view name,
+                       std::string_view target) {
+  if (parent == ParentKind::kList) return {marker, target};
+  return {marker, name, " ", target};
+}
+
+bool IsReferenceRecord(std::string_view element) {
+  constexpr std::array<std::string_view, 3> markers = {ArrayMarker, ObjectMarker, ObjectRefMarker};
+  return std::any_of(markers.begin(), markers.end(), [&](std::string_view marker) {
+    return element.size() > marker.size() && StartsWith(element, marker);
+  });
+}
+
+std::string LinkPattern(std::string_view name) {
+  return Join(ReferenceRecord(ParentKind::kHash, ObjectRefMarker, name, "*"));
+}
+
 bool IsReservedProperty(std::string_view name) {
-  // All of them begin like that, and nearly no other member does.
-  return name.substr(0, 2) == "&&" && ReservedPropertySet.count(name) != 0;
+  // All of them begin like that, and hardly any other member does.
+  return StartsWith(name, kPrefix) && ReservedPropertySet.count(name) != 0;
 }
 
 void NormalizeKey(std::string& key) {
-  // Keys are texts without NUL, and hardly any has two slashes in a row.
+  // Keys are strings without NUL, and hardly any has two slashes in a row.
   if (std::strstr(key.c_str(), "//") != nullptr) {
     const auto both_slashes = [](char a, char b) { return a == '/' && b == '/'; };
     key.erase(std::unique(key.begin(), key.end(), both_slashes), key.end());
   }
-  if (key.compare(0, 2, "&&") != 0) key.insert(0, "&&");
+  if (!StartsWith(key, kPrefix)) key.insert(0, kPrefix);
 }
 
 std::string DerivedKey(const std::string& parent_key, const std::string& name) {
   std::string key;
-  key.reserve(parent_key.size() + name.size() + 3);  // a slash and, at most, the prefix
+  key.reserve(kPrefix.size() + parent_key.size() + 1 + name.size());
   key.append(parent_key).append("/").append(name);
   NormalizeKey(key);
   return key;
 }
 
-std::string ReferenceField(std::string_view marker, std::string_view name,
-                           std::string_view target) {
-  std::string field;
-  field.reserve(marker.size() + name.size() + 1 + target.size());
-  field.append(marker);
-  AppendRecordEnd(&field, name, target);
-  return field;
-}
-
-void AppendRecordEnd(std::string* record, std::string_view name, std::string_view target) {
-  record->append(name).append(" ").append(target);
-}
-
 std::string SubtreePattern(const std::string& key) {
   const bool ends_with_slash = !key.empty() && key.back() == '/';
   return key + (ends_with_slash ? "*" : "/*");
+}
+
+bool IsTwinPattern(std::string_view pattern) { return StartsWith(pattern, kPrefix); }
+
+std::string TwinPattern(const std::string& pattern) {
+  std::string twin(kPrefix);
+  return twin += pattern;
+}
+
+std::array<std::string, 3> TreePatterns(const std::string& uri) {
+  if (uri.empty()) throw std::out_of_range("an empty URI names no tree");
+  const std::string below = SubtreePattern(uri);
+  return {uri, below, TwinPattern(below)};
 }
 
 }  // namespace ostrafel

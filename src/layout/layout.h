@@ -27,6 +27,7 @@
 #ifndef OSTRAFEL_LAYOUT_LAYOUT_H_
 #define OSTRAFEL_LAYOUT_LAYOUT_H_
 
+#include <array>
 #include <functional>
 #include <set>
 #include <string>
@@ -41,8 +42,28 @@ inline constexpr const char* ObjectRefMarker = "&&ObjectRef ";
 /// Points to the list of an array.
 inline constexpr const char* ArrayMarker = "&&Array ";
 
-/// The member that names a resource, or links to one.
-inline constexpr const char* IdMember = "@odata.id";
+/// What holds a value: a hash an object's members, a list an array's elements.
+enum class ParentKind { kHash, kList };
+
+/// A string in pieces, to be joined where it is kept. The pieces are borrowed; those left out are
+/// empty.
+using Pieces = std::array<std::string_view, 4>;
+
+/// The pieces, joined.
+[[nodiscard]] std::string Join(const Pieces& pieces);
+
+/// The reference record that points to target: in a hash the field marker + name + " " + target, in
+/// a list the value marker + target.
+[[nodiscard]] Pieces ReferenceRecord(ParentKind parent, std::string_view marker,
+                                     std::string_view name, std::string_view target);
+
+/// True when element, a value of a list, is a reference record. A marker with nothing after it is
+/// a plain value.
+[[nodiscard]] bool IsReferenceRecord(std::string_view element);
+
+/// The glob pattern, as HSCAN MATCH takes it, of the fields that are links of the member name. It
+/// also matches the links of a member whose name goes on after a blank.
+[[nodiscard]] std::string LinkPattern(std::string_view name);
 
 /// Members whose string values are stored escaped like any string but without the outer quotes.
 extern const std::set<std::string, std::less<>> ReservedPropertySet;
@@ -58,16 +79,20 @@ void NormalizeKey(std::string& key);
 /// array, parent_key is the list and name the decimal index.
 [[nodiscard]] std::string DerivedKey(const std::string& parent_key, const std::string& name);
 
-/// The field of a parent hash that points to target: marker + name + " " + target.
-[[nodiscard]] std::string ReferenceField(std::string_view marker, std::string_view name,
-                                         std::string_view target);
-
-/// Appends what such a field holds behind its marker: name + " " + target.
-void AppendRecordEnd(std::string* record, std::string_view name, std::string_view target);
-
-/// The glob pattern, as SCAN MATCH takes it, of all keys below key: key + "/*", or key + "*" when
-/// key ends with a slash. Glob characters in key keep their meaning.
+/// The glob pattern, as SCAN MATCH and KEYS take it, of all keys below key: key + "/*", or key +
+/// "*" when key ends with a slash. Glob characters in key keep their meaning.
 [[nodiscard]] std::string SubtreePattern(const std::string& key);
+
+/// True when pattern, of a subtree, is that of derived keys: it begins with "&&".
+[[nodiscard]] bool IsTwinPattern(std::string_view pattern);
+
+/// The pattern of the keys derived from those that pattern matches: "&&" + pattern.
+[[nodiscard]] std::string TwinPattern(const std::string& pattern);
+
+/// What a create removes: the patterns uri, uri/*, &&uri/* or, for a uri that ends with a slash,
+/// uri, uri*, &&uri*. So the key "&&" + uri itself is kept without a final slash and removed with
+/// one. Raises out_of_range for an empty uri.
+[[nodiscard]] std::array<std::string, 3> TreePatterns(const std::string& uri);
 
 }  // namespace ostrafel
 

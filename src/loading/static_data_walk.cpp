@@ -7,16 +7,16 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <stdexcept>
 
 #include "base/equals_ignore_case.h"
 #include "base/files.h"
-
-namespace ostrafel {
+#include "base/message.h"
 
 // Or stat and readdir would take a large file or a long inode number for an error.
 static_assert(sizeof(off_t) == 8 && sizeof(ino_t) == 8, "compile with _FILE_OFFSET_BITS=64");
+
+namespace ostrafel {
 
 namespace {
 
@@ -33,7 +33,7 @@ bool AppendToLoadList(const std::string& path, const std::string& key, LoadList*
     list->paths.push_back(path);
     list->keys.push_back(key);
   } catch (const std::length_error& error) {
-    (void)std::fprintf(stderr, "Failed to push data: %s.\n", error.what());
+    list->notes.push_back({PathProblem::kNotListed, error.what()});
     return false;
   }
   return true;
@@ -44,10 +44,10 @@ bool IsDirectory(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-bool IsJsonFile(const std::string& path) {
+bool IsJsonFile(const std::string& path, std::vector<PathNote>* notes) {
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) {
-    (void)std::fprintf(stderr, "Failed to check path %s.\n", path.c_str());
+    notes->push_back({PathProblem::kNotChecked, path});
     return false;
   }
   const std::size_t point = path.rfind('.');
@@ -55,13 +55,14 @@ bool IsJsonFile(const std::string& path) {
          EqualsIgnoreCase(path.c_str() + point, ".json");
 }
 
-bool FileNameEquals(const std::string& path, const std::string& name) {
+bool FileNameEquals(const std::string& path, const std::string& name,
+                    std::vector<PathNote>* notes) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return false;
   try {
     return path.substr(slash + 1) == name;
   } catch (const std::out_of_range& error) {
-    (void)std::fprintf(stderr, "Failed to get sub string %s.\n", error.what());
+    notes->push_back({PathProblem::kNoName, error.what()});
     return false;
   }
 }
@@ -69,20 +70,35 @@ bool FileNameEquals(const std::string& path, const std::string& name) {
 bool WalkStaticData(const std::string& directory, const std::string& key,
                     const std::string& file_name, LoadList* list) {
   const Directory opened(opendir(directory.c_str()));
-  if (!opened) return false;
-  while (true) {
+  while (opened) {
     errno = 0;
     const dirent* entry = readdir(opened.get());
+    if (entry == nullptr && errno == 0) return true;
     // A listing cut short by an error must not pass for a whole one.
-    if (entry == nullptr) return errno == 0;
+    if (entry == nullptr) break;
 
     const std::string name = entry->d_name;
     std::string path = directory;
     path.append("/").append(name);
-    if (IsJsonFile(path) && FileNameEquals(path, file_name)) {
+    // Before "." and ".." are left out: a folder that cannot be examined itself is said so twice.
+    if (IsJsonFile(path, &list->notes) && FileNameEquals(path, file_name, &list->notes)) {
       if (!AppendToLoadList(path, key, list)) return false;
     } else if (name != "." && name != ".." && IsDirectory(path)) {
       if (!WalkStaticData(path, ChildKey(key, name), file_name, list)) return false;
+    }
+  }
+  list->notes.push_back({PathProblem::kNotOpened, directory});
+  return false;
+}
+
+void PrintPathNotes(const std::vector<PathNote>& notes) {
+  for (const auto& [problem, text] : notes) {
+    if (problem == PathProblem::kNotChecked) {
+      PrintMessage("Failed to check path %s.\n", text.c_str());
+    } else if (problem == PathProblem::kNoName) {
+      PrintMessage("Failed to get sub string %s.\n", text.c_str());
+    } else if (problem == PathProblem::kNotListed) {
+      PrintMessage("Failed to push data: %s.\n", text.c_str());
     }
   }
 }

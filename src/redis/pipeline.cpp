@@ -3,7 +3,7 @@
 
 #include "redis/pipeline.h"
 
-#include <cstdio>
+#include "base/message.h"
 
 namespace ostrafel {
 
@@ -24,7 +24,7 @@ bool ReadPipelinedReply(const Pipeline& pipeline, Reply* reply) {
   const bool was_read =
       pipeline.context->err == 0 && redisGetReply(pipeline.context, &received) == REDIS_OK;
   reply->reset(static_cast<redisReply*>(received));
-  if (!was_read) (void)std::fputs("Failed to get reply\n", stderr);
+  if (!was_read) PrintMessage("Failed to get reply\n");
   return was_read;
 }
 

@@ -4,6 +4,7 @@
 #include "redis/replies.h"
 
 #include <cstdlib>
+#include <string>
 
 namespace ostrafel {
 
@@ -26,7 +27,7 @@ bool IsArrayOfStrings(const redisReply* reply, std::size_t step) {
 }
 
 unsigned ScanAll(const std::function<Reply(int cursor)>& ask, std::size_t step,
-                 const std::function<unsigned(const std::string& item)>& take) {
+                 const TakeName& take) {
   long cursor = 0;
   do {
     const Reply reply = ask(static_cast<int>(cursor));

@@ -9,14 +9,14 @@
 
 #include <cstddef>
 #include <functional>
-#include <string>
 
 #include "connection/reply.h"
+#include "store/server.h"
 
 namespace ostrafel {
 
 /// Sends one command, formatted by hiredis, and waits for its reply. Every "%s" takes a
-/// NUL-terminated text and every "%d" an int; data is never part of the format. Returns nothing
+/// NUL-terminated string and every "%d" an int; data is never part of the format. Returns nothing
 /// when the connection is broken.
 template <typename... Arguments>
 [[nodiscard]] Reply Ask(redisContext* context, const char* format, Arguments... arguments) {
@@ -38,7 +38,7 @@ template <typename... Arguments>
 /// Returns 1 at the end; 0 at once when take returns 0, or when a reply is missing or not of the
 /// shape that SCAN answers, in which case none of its items is taken.
 [[nodiscard]] unsigned ScanAll(const std::function<Reply(int cursor)>& ask, std::size_t step,
-                               const std::function<unsigned(const std::string& item)>& take);
+                               const TakeName& take);
 
 }  // namespace ostrafel
 

@@ -1,25 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "redis/tree_removal.h"
-
-#include <array>
+// The removal of a tree of store/server.h.
 #include <cstddef>
-#include <cstdio>
 #include <stdexcept>
-#include <string>
 
+#include "base/message.h"
+#include "layout/layout.h"
 #include "redis/pipeline.h"
+#include "redis/redis_server.h"
 #include "redis/replies.h"
+#include "store/server.h"
 
 namespace ostrafel {
 
 namespace {
-
-// Formats that take the uri.
-using Patterns = std::array<const char*, 3>;
-constexpr Patterns kPatterns = {"keys %s", "keys %s/*", "keys &&%s/*"};
-constexpr Patterns kPatternsAfterSlash = {"keys %s", "keys %s*", "keys &&%s*"};
 
 // Deletes the keys that a KEYS command found. Returns 0 when a reply cannot be read.
 unsigned DeleteKeys(redisContext* context, const redisReply& found) {
@@ -37,16 +32,15 @@ unsigned DeleteKeys(redisContext* context, const redisReply& found) {
 
 }  // namespace
 
-unsigned RemoveResourceTree(redisContext* context, const char* uri) {
+unsigned RemoveResourceTree(Server* server, const std::string& uri) {
+  redisContext* context = server->connection.get();
   try {
-    const std::string text(uri);
-    const bool ends_with_slash = text.at(text.size() - 1) == '/';
-    for (const char* pattern : ends_with_slash ? kPatternsAfterSlash : kPatterns) {
-      const Reply found = Ask(context, pattern, text.c_str());
+    for (const std::string& pattern : TreePatterns(uri)) {
+      const Reply found = Ask(context, "keys %s", pattern.c_str());
       if (IsArrayOfStrings(found.get()) && DeleteKeys(context, *found) == 0) return 0;
     }
   } catch (const std::length_error& error) {
-    (void)std::fprintf(stderr, "Failed to push data: %s.\n", error.what());
+    PrintLengthError(error);
     return 0;
   }
   return 1;

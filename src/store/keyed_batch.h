@@ -4,6 +4,7 @@
 #ifndef OSTRAFEL_STORE_KEYED_BATCH_H_
 #define OSTRAFEL_STORE_KEYED_BATCH_H_
 
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <map>
@@ -12,14 +13,13 @@
 
 namespace ostrafel {
 
-/// Plain byte-wise comparison of NUL-terminated texts, a text before those that go on after it.
+/// Byte-wise comparison of NUL-terminated strings; a prefix comes before what it begins.
 struct ByteOrder {
   bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) < 0; }
 };
 
-/// Keys, in ascending byte order, with what waits for each: a map whose texts and nodes lie in
-/// memory of its own, which is given up as a whole. An allocation is then little more than the move
-/// of a pointer, and nothing is freed one by one.
+/// A sorted map with its own arena: an allocation bumps a pointer, clear() frees everything. Holds
+/// keys, in ascending byte order, with what waits for each.
 template <typename Value>
 class KeyedBatch {
  public:
@@ -34,15 +34,20 @@ class KeyedBatch {
     if (last_ != entries_.end() && std::strcmp(last_->first, key) == 0) return last_->second;
     last_ = entries_.lower_bound(key);
     if (last_ == entries_.end() || std::strcmp(last_->first, key) != 0) {
-      last_ = entries_.try_emplace(last_, Keep(key));
+      last_ = entries_.try_emplace(last_, Keep(std::array<std::string_view, 1>{key}));
     }
     return last_->second;
   }
 
-  /// A NUL-terminated copy of text that lives until the batch is cleared.
-  [[nodiscard]] const char* Keep(std::string_view text) {
-    char* copy = static_cast<char*>(memory_.allocate(text.size() + 1, 1));
-    copy[text.copy(copy, text.size())] = '\0';
+  /// The pieces, joined into a NUL-terminated copy that lives until the batch is cleared.
+  template <typename Strings>
+  [[nodiscard]] const char* Keep(const Strings& pieces) {
+    std::size_t size = 1;
+    for (const std::string_view piece : pieces) size += piece.size();
+    char* const copy = static_cast<char*>(memory_.allocate(size, 1));
+    char* end = copy;
+    for (const std::string_view piece : pieces) end += piece.copy(end, piece.size());
+    *end = '\0';
     return copy;
   }
 

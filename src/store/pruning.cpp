@@ -3,151 +3,83 @@
 
 #include "store/pruning.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
+#include <cstddef>
 #include <functional>
-#include <stdexcept>
+#include <optional>
 #include <string_view>
 
-#include "layout/layout.h"
-#include "redis/replies.h"
-#include "store/command_batches.h"
+#include "store/queue.h"
 #include "store/store_state.h"
 
 namespace ostrafel {
 
-namespace {
-
-// What TYPE answers for each ExpectedKind.
-constexpr std::array<std::string_view, 3> kTypeNames = {"hash", "list", "none"};
-
-bool StartsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
-}
-
-constexpr std::size_t kLongestMarkerSize = std::string_view(ObjectRefMarker).size();
-
-// A marker followed by a target.
-bool IsReferenceRecord(std::string_view element) {
-  constexpr std::array<std::string_view, 3> markers = {ArrayMarker, ObjectMarker, ObjectRefMarker};
-  return std::any_of(markers.begin(), markers.end(), [&](std::string_view marker) {
-    return element.size() > marker.size() && StartsWith(element, marker);
-  });
-}
-
-}  // namespace
-
-unsigned QueueRemoval(redisContext* context, const std::string& key, std::string_view value,
-                      RemovalKind kind) {
-  if (RemovalBatchCount == BatchLimit) {
-    if (FlushRemovalBatch(context) == 0) return 0;
-    RemovalBatchCount = 0;
-  }
-  try {
-    switch (kind) {
-      case RemoveField:
-        QueueText(key.c_str(), value, &RemovalBatch.hash_fields);
-        break;
-      case RemoveListValue:
-        QueueText(key.c_str(), value, &RemovalBatch.list_values);
-        break;
-      case RemoveKey:
-      default:
-        RemovalBatch.keys.push_back(key);
-    }
-  } catch (const std::length_error& error) {
-    (void)std::fprintf(stderr, "Failed to push data: %s.\n", error.what());
-    return 0;
-  }
-  ++RemovalBatchCount;
-  return 1;
-}
-
-unsigned UnlinkMatchingKeys(redisContext* context, const std::string& pattern) {
-  const auto ask = [&](int cursor) {
-    return Ask(context, "SCAN %d MATCH %s COUNT 1000", cursor, pattern.c_str());
-  };
+unsigned UnlinkMatchingKeys(Server* server, const std::string& pattern) {
   const auto unlink = [&](const std::string& key) {
-    return QueueRemoval(context, key, "", RemoveKey);
+    return QueueRemoval(server, key, {}, RemoveKey);
   };
-  // By reference, because std::function would copy them to the heap.
-  if (ScanAll(std::ref(ask), 1, std::ref(unlink)) == 0) return 0;
+  // By reference, because std::function would copy it to the heap.
+  if (FindKeys(server, pattern, std::ref(unlink)) == 0) return 0;
+  // Less "/*", whatever the key ended with; a pattern that is shorter is its own mark.
   const std::size_t kept = pattern.size() < 2 ? pattern.size() : pattern.size() - 2;
-  PrunedPrefixes[pattern.substr(0, kept)] = true;
+  Store->PrunedPrefixes.insert(pattern.substr(0, kept));
   return 1;
 }
 
-unsigned RemoveMatchingFields(redisContext* context, const std::string& key,
-                              const std::string& pattern) {
-  const auto ask = [&](int cursor) {
-    return Ask(context, "HSCAN %s %d MATCH %s", key.c_str(), cursor, pattern.c_str());
-  };
+unsigned RemoveMatchingFields(Server* server, const std::string& key, const std::string& pattern) {
   const auto remove = [&](const std::string& field) {
-    return QueueRemoval(context, key, field, RemoveField);
+    return QueueRemoval(server, key, {field}, RemoveField);
   };
-  return ScanAll(std::ref(ask), 2, std::ref(remove));  // fields and values alternate
+  return FindFields(server, key, pattern, std::ref(remove));
 }
 
 bool IsUnderPrunedPrefix(const std::string& pattern) {
-  for (std::size_t slash = pattern.find('/'); slash != std::string::npos;
-       slash = pattern.find('/', slash + 1)) {
-    if (PrunedPrefixes[pattern.substr(0, slash)]) return true;
+  const auto& prefixes = Store->PrunedPrefixes;
+  const std::string_view text = pattern;
+  for (std::size_t slash = text.find('/'); slash != std::string_view::npos;
+       slash = text.find('/', slash + 1)) {
+    if (prefixes.count(text.substr(0, slash)) != 0) return true;
   }
   return false;
 }
 
-unsigned IsPlainList(redisContext* context, const std::string& key) {
-  const Reply reply = Ask(context, "LINDEX %s 0", key.c_str());
-  if (!reply || reply->type != REDIS_REPLY_STRING) return 0;
-  return IsReferenceRecord({reply->str, reply->len}) ? 0 : 1;
+unsigned IsPlainList(Server* server, const std::string& key) {
+  const std::optional<std::string> first = AskFirstElement(server, key);
+  return first && !IsReferenceRecord(*first) ? 1 : 0;
 }
 
-unsigned PruneStaleKey(redisContext* context, const std::string& child_key, ExpectedKind expected) {
-  const Reply reply = Ask(context, "TYPE %s", child_key.c_str());
-  if (!reply || reply->type != REDIS_REPLY_STATUS) return 0;
-  const std::string_view stored(reply->str, reply->len);
-  if (StartsWith(stored, kTypeNames[StoredNone])) return 1;
-  if (expected != StoredList && stored == kTypeNames[expected]) return 1;
+unsigned PruneStaleKey(Server* server, const std::string& child_key, ExpectedKind expected) {
+  const std::optional<KeyType> stored = AskType(server, child_key);
+  if (!stored) return 0;
+  if (stored == KeyType::kNone) return 1;
+  if (stored == KeyType::kHash && expected == StoredHash) return 1;
 
-  if (QueueRemoval(context, child_key, "", RemoveKey) == 0) return 0;
+  if (QueueRemoval(server, child_key, {}, RemoveKey) == 0) return 0;
   const std::string pattern = SubtreePattern(child_key);
-  if (stored == kTypeNames[StoredList] && IsPlainList(context, child_key) == 1) return 1;
+  if (stored == KeyType::kList && IsPlainList(server, child_key) == 1) return 1;
   if (IsUnderPrunedPrefix(pattern)) return 1;
-  if (UnlinkMatchingKeys(context, pattern) == 0) return 0;
-  if (StartsWith(pattern, "&&")) return 1;
-  // The objects and arrays of resources lie below their keys' "&&" twins. These are scanned
-  // whatever PrunedPrefixes says of them; the pattern's own mark, looked up above, covers both
-  // scans.
-  return UnlinkMatchingKeys(context, "&&" + pattern);
+  if (UnlinkMatchingKeys(server, pattern) == 0) return 0;
+  if (IsTwinPattern(pattern)) return 1;
+  // The objects and arrays of resources lie below their keys' "&&" twins. These are searched
+  // whatever PrunedPrefixes says of them; the pattern's own mark, looked up above, covers both.
+  return UnlinkMatchingKeys(server, TwinPattern(pattern));
 }
 
-unsigned PruneProperty(redisContext* context, const std::string& parent_key,
-                       const std::string& name, const std::string& child_key, bool in_list,
-                       ExpectedKind expected) {
+unsigned PruneProperty(Server* server, const std::string& parent_key, const std::string& name,
+                       const std::string& child_key, ParentKind parent, ExpectedKind expected) {
   const std::string derived_key = child_key.empty() ? DerivedKey(parent_key, name) : "";
   const std::string& stale_key = child_key.empty() ? derived_key : child_key;
-  if (PruneStaleKey(context, stale_key, expected) == 0) return 0;
+  if (PruneStaleKey(server, stale_key, expected) == 0) return 0;
 
-  const RemovalKind kind = in_list ? RemoveListValue : RemoveField;
-  if (QueueRemoval(context, parent_key, name, kind) == 0) return 0;
-  // The records differ in their markers only, which take turns in front of what they share.
-  std::string record;
-  record.reserve(kLongestMarkerSize + name.size() + 1 + stale_key.size());
-  record.assign(kLongestMarkerSize, ' ');
-  if (in_list) {
-    record.append(stale_key);
-  } else {
-    AppendRecordEnd(&record, name, stale_key);
+  // From a list, elements equal to the index go, as a field of that name would. A number of the new
+  // list that a flush in mid-array has sent already goes with them.
+  const RemovalKind kind = parent == ParentKind::kList ? RemoveListValue : RemoveField;
+  if (QueueRemoval(server, parent_key, {name}, kind) == 0) return 0;
+  for (const char* marker : {ArrayMarker, ObjectRefMarker, ObjectMarker}) {
+    const Pieces record = ReferenceRecord(parent, marker, name, stale_key);
+    if (QueueRemoval(server, parent_key, record, kind) == 0) return 0;
   }
-  for (const std::string_view marker : {ArrayMarker, ObjectRefMarker, ObjectMarker}) {
-    const std::size_t start = kLongestMarkerSize - marker.size();
-    (void)marker.copy(&record[start], marker.size());
-    const std::string_view text = std::string_view(record).substr(start);
-    if (QueueRemoval(context, parent_key, text, kind) == 0) return 0;
-  }
-  if (in_list) return 1;
-  return RemoveMatchingFields(context, parent_key, ReferenceField(ObjectRefMarker, name, "*"));
+  if (parent == ParentKind::kList) return 1;
+  return RemoveMatchingFields(server, parent_key, LinkPattern(name));
 }
 
 }  // namespace ostrafel

@@ -4,14 +4,14 @@
 #include "store/resource_writer.h"
 
 #include <cstddef>
-#include <cstdio>
+#include <string_view>
 
+#include "base/message.h"
 #include "layout/layout.h"
+#include "layout/resource_id.h"
 #include "layout/value_rendering.h"
-#include "redis/replies.h"
-#include "store/command_batches.h"
 #include "store/pruning.h"
-#include "store/required_text.h"
+#include "store/queue.h"
 #include "store/store_state.h"
 
 namespace ostrafel {
@@ -20,76 +20,79 @@ namespace {
 
 // Sets the key's flag in VisitedResourceMap and returns what it was.
 bool MarkVisited(const std::string& key) {
-  bool& visited = VisitedResourceMap[key];
+  bool& visited = Store->VisitedResourceMap[key];
   const bool was_visited = visited;
   visited = true;
   return was_visited;
 }
 
-unsigned WriteMember(redisContext* context, const std::string& key, const char* name,
-                     json_t* value) {
-  if (json_is_object(value)) return WriteObjectProperty(context, key, name, value, false);
-  if (json_is_array(value)) return WriteArrayProperty(context, key, name, value, false);
+unsigned WriteMember(Server* server, const std::string& key, const char* name, json_t* value) {
+  if (json_is_object(value)) {
+    return WriteObjectProperty(server, key, name, value, ParentKind::kHash);
+  }
+  if (json_is_array(value)) {
+    return WriteArrayProperty(server, key, name, value, ParentKind::kHash);
+  }
   // A reserved member that could not be queued is tried once more, as a plain scalar.
-  if (WriteReservedProperty(context, key, name, value) != 0) return 1;
-  return WriteScalarProperty(context, key, name, value);
+  if (WriteReservedProperty(server, key, name, value) != 0) return 1;
+  return WriteScalarProperty(server, key, name, value);
 }
 
-unsigned WriteElement(redisContext* context, const std::string& list_key, std::size_t index,
+unsigned WriteElement(Server* server, const std::string& list_key, std::size_t index,
                       json_t* element) {
   const std::string name = std::to_string(index);
-  if (json_is_object(element)) return WriteObjectProperty(context, list_key, name, element, true);
-  if (json_is_array(element)) return WriteArrayProperty(context, list_key, name, element, true);
-  return WriteScalarProperty(context, list_key, nullptr, element);
+  if (json_is_object(element)) {
+    return WriteObjectProperty(server, list_key, name, element, ParentKind::kList);
+  }
+  if (json_is_array(element)) {
+    return WriteArrayProperty(server, list_key, name, element, ParentKind::kList);
+  }
+  return WriteScalarProperty(server, list_key, nullptr, element);
 }
 
 // Queues the record in the parent that points to target.
-unsigned PutReference(redisContext* context, const std::string& parent_key, const char* marker,
-                      const std::string& name, const std::string& target, bool in_list) {
-  if (in_list) return PutListItem(context, parent_key.c_str(), (marker + target).c_str());
-  return PutHashField(context, parent_key.c_str(), ReferenceField(marker, name, target).c_str(),
-                      "");
-}
-
-bool IsLink(const json_t* value) {
-  return json_object_size(value) == 1 && json_is_string(json_object_get(value, IdMember));
+unsigned PutReference(Server* server, const std::string& parent_key, std::string_view marker,
+                      const std::string& name, std::string_view target, ParentKind parent) {
+  const Pieces record = ReferenceRecord(parent, marker, name, target);
+  if (parent == ParentKind::kList) return PutListItem(server, parent_key, record);
+  return PutHashField(server, parent_key, record, "");
 }
 
 // Queues the removal of what the member was before it became a link.
-unsigned PruneBeforeLink(redisContext* context, const std::string& parent_key,
-                         const std::string& name, bool in_list) {
+unsigned PruneBeforeLink(Server* server, const std::string& parent_key, const std::string& name,
+                         ParentKind parent) {
   const std::string derived_key = DerivedKey(parent_key, name);
   bool was_inline = false;
-  if (!in_list) {
-    const std::string record = ReferenceField(ObjectMarker, name, derived_key);
-    const Reply reply = Ask(context, "HEXISTS %s %s", parent_key.c_str(), record.c_str());
-    was_inline = reply && reply->type == REDIS_REPLY_INTEGER && reply->integer == 1;
+  if (parent == ParentKind::kHash) {
+    const Pieces record = ReferenceRecord(parent, ObjectMarker, name, derived_key);
+    was_inline = AskFieldExists(server, parent_key, Join(record));
     // Pruning keeps a stored hash for an object that will be merged into it; a link needs none.
-    if (was_inline && QueueRemoval(context, derived_key, "", RemoveKey) == 0) return 0;
+    if (was_inline && QueueRemoval(server, derived_key, {}, RemoveKey) == 0) return 0;
   }
-  if (PruneProperty(context, parent_key, name, derived_key, in_list, StoredHash) == 0) return 0;
+  if (PruneProperty(server, parent_key, name, derived_key, parent, StoredHash) == 0) return 0;
   const std::string pattern = SubtreePattern(derived_key);
-  if (was_inline && !IsUnderPrunedPrefix(pattern)) return UnlinkMatchingKeys(context, pattern);
+  if (was_inline && !IsUnderPrunedPrefix(pattern)) return UnlinkMatchingKeys(server, pattern);
   return 1;
 }
 
 }  // namespace
 
-unsigned WriteResource(redisContext* context, const std::string& key, json_t* root) {
+unsigned WriteResource(Server* server, const std::string& key, json_t* root) {
   if (MarkVisited(key)) return 1;
   unsigned result = 1;
   for (void* member = json_object_iter(root); member != nullptr;
        member = json_object_iter_next(root, member)) {
     json_t* value = json_object_iter_value(member);
     if (value == nullptr) break;
-    result = WriteMember(context, key, json_object_iter_key(member), value);
+    result = WriteMember(server, key, json_object_iter_key(member), value);
   }
   return result;
 }
 
-unsigned WriteObjectProperty(redisContext* context, const std::string& parent_key,
-                             const std::string& name, json_t* value, bool in_list) {
-  if (WriteObjectReference(context, parent_key, name, value, in_list) != 0) return 1;
+unsigned WriteObjectProperty(Server* server, const std::string& parent_key, const std::string& name,
+                             json_t* value, ParentKind parent) {
+  // A link that could not be written goes on as an object: the two failures look alike.
+  if (WriteObjectReference(server, parent_key, name, value, parent) != 0) return 1;
 
   std::string target_key;
   bool is_written = false;
@@ -100,64 +103,67 @@ unsigned WriteObjectProperty(redisContext* context, const std::string& parent_ke
   } else {
     target_key = DerivedKey(parent_key, name);
   }
-  if (MergeMode && PruneProperty(context, parent_key, name, target_key, in_list, StoredHash) == 0) {
+  if (Store->MergeMode &&
+      PruneProperty(server, parent_key, name, target_key, parent, StoredHash) == 0) {
     return 0;
   }
   // Before the members; an array's record comes after its elements.
-  if (PutReference(context, parent_key, ObjectMarker, name, target_key, in_list) == 0) return 0;
+  if (PutReference(server, parent_key, ObjectMarker, name, target_key, parent) == 0) return 0;
   if (is_written) return 1;
 
   for (void* member = json_object_iter(value); member != nullptr;
        member = json_object_iter_next(value, member)) {
     json_t* member_value = json_object_iter_value(member);
     if (member_value == nullptr) break;
-    if (WriteMember(context, target_key, json_object_iter_key(member), member_value) == 0) return 0;
+    if (WriteMember(server, target_key, json_object_iter_key(member), member_value) == 0) return 0;
   }
   return 1;
 }
 
-unsigned WriteArrayProperty(redisContext* context, const std::string& parent_key,
-                            const std::string& name, json_t* value, bool in_list) {
+unsigned WriteArrayProperty(Server* server, const std::string& parent_key, const std::string& name,
+                            json_t* value, ParentKind parent) {
   const std::string array_key = DerivedKey(parent_key, name);
-  if (MergeMode && PruneProperty(context, parent_key, name, array_key, in_list, StoredList) == 0) {
+  if (Store->MergeMode &&
+      PruneProperty(server, parent_key, name, array_key, parent, StoredList) == 0) {
     return 0;
   }
   for (std::size_t i = 0; i < json_array_size(value); ++i) {
     json_t* element = json_array_get(value, i);
     if (element == nullptr) break;
-    if (WriteElement(context, array_key, i, element) == 0) return 0;
+    if (WriteElement(server, array_key, i, element) == 0) return 0;
   }
-  return PutReference(context, parent_key, ArrayMarker, name, array_key, in_list);
+  return PutReference(server, parent_key, ArrayMarker, name, array_key, parent);
 }
 
-unsigned WriteObjectReference(redisContext* context, const std::string& parent_key,
-                              const std::string& name, json_t* value, bool in_list) {
+unsigned WriteObjectReference(Server* server, const std::string& parent_key,
+                              const std::string& name, json_t* value, ParentKind parent) {
   if (!IsLink(value)) return 0;
-  if (MergeMode && PruneBeforeLink(context, parent_key, name, in_list) == 0) return 0;
+  if (Store->MergeMode && PruneBeforeLink(server, parent_key, name, parent) == 0) return 0;
   const char* id = json_string_value(json_object_get(value, IdMember));
-  return PutReference(context, parent_key, ObjectRefMarker, name, id, in_list);
+  return PutReference(server, parent_key, ObjectRefMarker, name, id, parent);
 }
 
-unsigned WriteScalarProperty(redisContext* context, const std::string& key, const char* name,
+unsigned WriteScalarProperty(Server* server, const std::string& key, const char* name,
                              const json_t* value) {
   const std::string text = RenderValue(value);
   if (text.empty()) {
-    (void)std::fprintf(stderr, "get value of %s/%s fail", key.c_str(),
-                       name == nullptr ? "(null)" : name);
+    PrintMessage("get value of %s/%s fail", key.c_str(), name == nullptr ? "(null)" : name);
     return 0;
   }
-  if (name == nullptr) return PutListItem(context, key.c_str(), text.c_str());
-  // A scalar is written even when its older shape cannot be read.
-  if (MergeMode) (void)PruneProperty(context, key, name, "", false, StoredNone);
-  return PutHashField(context, key.c_str(), name, text.c_str());
+  if (name == nullptr) return PutListItem(server, key, {text});
+  // A scalar is written even when its older shape cannot be removed.
+  if (Store->MergeMode) {
+    (void)PruneProperty(server, key, name, "", ParentKind::kHash, StoredNone);
+  }
+  return PutHashField(server, key, {name}, text);
 }
 
-unsigned WriteReservedProperty(redisContext* context, const std::string& key, const char* name,
+unsigned WriteReservedProperty(Server* server, const std::string& key, const char* name,
                                const json_t* value) {
-  if (!IsReservedProperty(RequiredText(name)) || !json_is_string(value)) return 0;
+  if (!IsReservedProperty(name) || !json_is_string(value)) return 0;
   std::string text = json_string_value(value);
   EscapeText(text);
-  return PutHashField(context, key.c_str(), name, text.c_str());
+  return PutHashField(server, key, {name}, text);
 }
 
 }  // namespace ostrafel

@@ -27,12 +27,12 @@ constexpr const char* kMissingFile = "fopen: No such file or directory\n";
 class Config : public testing::Test {
  protected:
   Config() : saved_(ReadFile(kRedisConf)) {
-    ResetConnectionState();
+    Connection = {};
     WriteFile(kRedisConf, "unixsocket " + runtime.path("redis.sock") + "\n");
   }
   ~Config() override {
     WriteFile(kRedisConf, saved_);
-    ResetConnectionState();
+    Connection = {};
   }
 
   void Put(const std::string& key, const std::string& content) const {
@@ -91,7 +91,7 @@ TEST_F(Config, ASocketWinsOverAnyPort) {
   Put("unixsocket", "/run/x.sock");
   Put("requirepass", "");
   for (const char* port : {"6379", "6380", "1"}) {
-    ResetConnectionState();
+    Connection = {};
     Put("port", port);
     const std::optional<ConnectionConfig> config = Read();
     ASSERT_TRUE(config) << port;

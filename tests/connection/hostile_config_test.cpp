@@ -28,16 +28,16 @@ using namespace std::string_literals;
 // without a blank in its path.
 class HostileConfig : public testing::Test {
  protected:
-  HostileConfig() : saved_(ReadFile(kRedisConf)) { ResetConnectionState(); }
+  HostileConfig() : saved_(ReadFile(kRedisConf)) { Connection = {}; }
   ~HostileConfig() override {
     WriteFile(kRedisConf, saved_);
-    ResetConnectionState();
+    Connection = {};
   }
 
   // Reads the configuration with this content of redis.conf. The messages of the shell's commands
   // are not the point here.
   static std::optional<ConnectionConfig> Read(const std::string& content) {
-    ResetConnectionState();
+    Connection = {};
     WriteFile(kRedisConf, content);
     testing::internal::CaptureStderr();
     std::optional<ConnectionConfig> config = ReadConnectionConfig();

@@ -16,8 +16,8 @@ namespace {
 
 class PortFile : public testing::Test {
  protected:
-  PortFile() { ResetConnectionState(); }
-  ~PortFile() override { ResetConnectionState(); }
+  PortFile() { Connection = {}; }
+  ~PortFile() override { Connection = {}; }
 };
 
 TEST_F(PortFile, ThatBeginsWithANulHoldsNoPort) {

@@ -25,10 +25,10 @@ std::ptrdiff_t OpenDescriptors() {
 
 class Connection : public testing::Test {
  protected:
-  Connection() : store(ServerSocket()) { ResetConnectionState(); }
+  Connection() : store(ServerSocket()) { ostrafel::Connection = {}; }
   ~Connection() override {
     (void)store.Run("CONFIG | SET | requirepass | ");
-    ResetConnectionState();
+    ostrafel::Connection = {};
   }
 
   static void PublishSocket(const std::string& password) {
@@ -50,7 +50,7 @@ TEST_F(Connection, IsMadeOverTheUnixSocket) {
 
 TEST_F(Connection, IsAuthenticatedWhenThereIsAPassword) {
   for (const char* password : {"secret", "two words", "%s \"quoted\" \\", "*1\r\n"}) {
-    ResetConnectionState();
+    ostrafel::Connection = {};
     (void)store.Run(model::Command{"CONFIG", "SET", "requirepass", password});
     // The first line is all that a runtime file can say.
     const std::string first_line =
@@ -82,12 +82,12 @@ TEST_F(Connection, LeavesNoDescriptorOpen) {
   PublishSocket("wrong");
   const auto before = OpenDescriptors();
   EXPECT_FALSE(OpenStoreConnection());
-  ResetConnectionState();
+  ostrafel::Connection = {};
   PublishSocket("");
   EXPECT_TRUE(OpenStoreConnection());
   RuntimeFiles nowhere;
   nowhere.unixsocket = "/nowhere.sock";
-  ResetConnectionState();
+  ostrafel::Connection = {};
   Publish(nowhere);
   EXPECT_FALSE(OpenStoreConnection());
   EXPECT_EQ(OpenDescriptors(), before);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "support/temp_directory.h"
 
@@ -19,9 +20,10 @@ class LoadJson : public testing::Test {
   Document Load(const std::string& content) {
     const std::string path = directory.Write("file.json", content);
     testing::internal::CaptureStderr();
-    Document document = LoadJsonFile(path.c_str());
+    JsonFile file = LoadJsonFile(path.c_str());
+    PrintJsonFileMessages(file);
     printed = testing::internal::GetCapturedStderr();
-    return document;
+    return std::move(file.root);
   }
 
   TempDirectory directory;
@@ -71,7 +73,7 @@ TEST_F(LoadJson, ReturnsAnArrayForItsCallerToRefuse) {
 
 TEST_F(LoadJson, AMissingFileIsNotReported) {
   testing::internal::CaptureStderr();
-  EXPECT_EQ(LoadJsonFile(directory.path("none.json").c_str()), nullptr);
+  PrintJsonFileMessages(LoadJsonFile(directory.path("none.json").c_str()));
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
@@ -93,7 +95,7 @@ TEST_F(LoadJson, NothingOfABrokenFileGetsIntoTheNext) {
 
 TEST_F(LoadJson, ADirectoryOpensAndCannotBeRead) {
   testing::internal::CaptureStderr();
-  EXPECT_EQ(LoadJsonFile(directory.path().c_str()), nullptr);
+  PrintJsonFileMessages(LoadJsonFile(directory.path().c_str()));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "error: Failed to read file.\n"
             "error: on line 1: '[' or '{' expected near end of file\n");

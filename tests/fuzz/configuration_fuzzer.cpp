@@ -164,7 +164,7 @@ void CheckOpening(const Expected& expected, const World& world, Machine* machine
 }  // namespace
 
 void TestOneInput(std::string_view input) {
-  ostrafel::ResetConnectionState();
+  ostrafel::Connection = {};
   const World world = MakeWorld(SplitRecords(input));
   Machine machine = MakeMachine(world);
   Expected expected = Expect(world, machine);
@@ -180,5 +180,5 @@ void TestOneInput(std::string_view input) {
   if (is_remembered && !machine.opened_paths.empty()) {
     ReportDifference("the files", "none", machine.opened_paths[0]);
   }
-  ostrafel::ResetConnectionState();
+  ostrafel::Connection = {};
 }

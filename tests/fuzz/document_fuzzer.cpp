@@ -94,9 +94,9 @@ class Pair {
     ostrafel::ConnectionConfig config;
     config.type = ostrafel::UnixSocket;
     config.socket_path = "/redis.sock";
-    ostrafel::ConnectionConfigCopy = config;
+    ostrafel::Connection.ConnectionConfigCopy = config;
   }
-  ~Pair() { ostrafel::ResetConnectionState(); }
+  ~Pair() { ostrafel::Connection = {}; }
   Pair(const Pair&) = delete;
   Pair& operator=(const Pair&) = delete;
 

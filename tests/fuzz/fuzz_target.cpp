@@ -27,9 +27,9 @@ int RunProgram(Machine* machine, const std::vector<std::string>& arguments) {
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
 
-  ostrafel::ResetStoreState();
+  ostrafel::Store.emplace();
   const OnMachine on_machine(machine);
   const int status = ostrafel::RunOstrafel(static_cast<int>(texts.size()), pointers.data());
-  ostrafel::ResetStoreState();
+  ostrafel::Store.emplace();
   return status & 0xFF;
 }

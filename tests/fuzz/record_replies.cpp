@@ -48,7 +48,7 @@ void Record(char selector, const std::string& path, model::Store* store) {
   machine.server = &server;
   Connect(run);
   (void)RunProgram(&machine, run.arguments);
-  ostrafel::ResetConnectionState();
+  ostrafel::Connection = {};
 
   std::ofstream file(path, std::ios::binary);
   file << selector << server.answers();

@@ -143,7 +143,7 @@ void TestOneInput(std::string_view input) {
   machine.server = &server;
   Connect(run);
   const int status = RunProgram(&machine, run.arguments);
-  ostrafel::ResetConnectionState();
+  ostrafel::Connection = {};
 
   ExpectSame("standard error", expected.outcome.err, machine.err);
   ExpectSame("standard output", expected.outcome.out, machine.out);

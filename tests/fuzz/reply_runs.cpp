@@ -44,5 +44,5 @@ void Connect(const ReplyRun& run) {
   config.type = ostrafel::UnixSocket;
   config.socket_path = "/redis.sock";
   if (run.has_password) config.password = kPassword;
-  ostrafel::ConnectionConfigCopy = config;
+  ostrafel::Connection.ConnectionConfigCopy = config;
 }

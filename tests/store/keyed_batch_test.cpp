@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "store/store_state.h"
@@ -14,21 +16,26 @@ namespace ostrafel {
 
 namespace {
 
-std::vector<std::string> KeysOf(const KeyedBatch<KeptTexts>& batch) {
+void Append(const std::string& key, const std::string& value, KeyedBatch<KeptStrings>* batch) {
+  const char* kept = batch->Keep(std::array<std::string_view, 1>{value});
+  (*batch)[key.c_str()].push_back(kept);
+}
+
+std::vector<std::string> KeysOf(const KeyedBatch<KeptStrings>& batch) {
   std::vector<std::string> keys;
-  for (const auto& [key, texts] : batch) keys.emplace_back(key);
+  for (const auto& [key, strings] : batch) keys.emplace_back(key);
   return keys;
 }
 
 TEST(KeyedBatch, KeysComeInAscendingByteOrder) {
-  KeyedBatch<KeptTexts> batch;
-  for (const char* key : {"b", "\xC3\xA9", "ab", "a", "Z"}) QueueText(key, "x", &batch);
+  KeyedBatch<KeptStrings> batch;
+  for (const char* key : {"b", "\xC3\xA9", "ab", "a", "Z"}) Append(key, "x", &batch);
   EXPECT_EQ(KeysOf(batch), (std::vector<std::string>{"Z", "a", "ab", "b", "\xC3\xA9"}));
 }
 
 TEST(KeyedBatch, AKeyIsFoundAgainWhateverWasAskedForLast) {
-  KeyedBatch<KeptTexts> batch;
-  for (const char* key : {"a", "a", "b", "a", "b", "ab", "a"}) QueueText(key, "x", &batch);
+  KeyedBatch<KeptStrings> batch;
+  for (const char* key : {"a", "a", "b", "a", "b", "ab", "a"}) Append(key, "x", &batch);
   EXPECT_EQ(KeysOf(batch), (std::vector<std::string>{"a", "ab", "b"}));
   EXPECT_EQ(batch["a"].size(), 4U);
   EXPECT_EQ(batch["ab"].size(), 1U);
@@ -36,36 +43,41 @@ TEST(KeyedBatch, AKeyIsFoundAgainWhateverWasAskedForLast) {
 }
 
 TEST(KeyedBatch, AClearedBatchHoldsNothingOfWhatWasThere) {
-  KeyedBatch<KeptTexts> batch;
-  QueueText("a", "x", &batch);
+  KeyedBatch<KeptStrings> batch;
+  Append("a", "x", &batch);
   batch.clear();
   EXPECT_TRUE(batch.empty());
   EXPECT_TRUE(batch["a"].empty());
   EXPECT_EQ(batch.size(), 1U);
 }
 
-TEST(KeyedBatch, KeysAndTextsAreCopies) {
-  KeyedBatch<KeptTexts> batch;
+TEST(KeyedBatch, KeysAndStringsAreCopies) {
+  KeyedBatch<KeptStrings> batch;
   std::string key = "key";
   std::string text = "text";
-  QueueText(key.c_str(), text, &batch);
+  Append(key, text, &batch);
   key = text = "else";
   EXPECT_EQ(KeysOf(batch), std::vector<std::string>{"key"});
   EXPECT_STREQ(batch["key"].front(), "text");
 }
 
-TEST(KeyedBatch, TextsStayWholeBesideManyAndLongOnes) {
-  KeyedBatch<KeptTexts> batch;
-  std::vector<std::string> texts;
+TEST(KeyedBatch, PiecesAreJoined) {
+  KeyedBatch<KeptStrings> batch;
+  EXPECT_STREQ(batch.Keep(std::array<std::string_view, 3>{"&&Array ", "", "A /r"}), "&&Array A /r");
+}
+
+TEST(KeyedBatch, StringsStayWholeBesideManyAndLongOnes) {
+  KeyedBatch<KeptStrings> batch;
+  std::vector<std::string> strings;
   for (int i = 0; i < 3000; ++i) {
-    texts.push_back(std::string(static_cast<std::size_t>(i % 97), 'x') + std::to_string(i));
+    strings.push_back(std::string(static_cast<std::size_t>(i % 97), 'x') + std::to_string(i));
   }
-  texts.emplace_back(1 << 20, 'l');
-  texts.emplace_back("");
+  strings.emplace_back(1 << 20, 'l');
+  strings.emplace_back("");
   for (int round = 0; round < 2; ++round) {
-    for (const std::string& text : texts) QueueText("key", text, &batch);
-    const KeptTexts& kept = batch["key"];
-    EXPECT_EQ(std::vector<std::string>(kept.begin(), kept.end()), texts);
+    for (const std::string& text : strings) Append("key", text, &batch);
+    const KeptStrings& kept = batch["key"];
+    EXPECT_EQ(std::vector<std::string>(kept.begin(), kept.end()), strings);
     batch.clear();
   }
 }

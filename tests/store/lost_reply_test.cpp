@@ -6,8 +6,8 @@
 
 #include <string>
 
-#include "store/command_batches.h"
 #include "store/pruning.h"
+#include "store/queue.h"
 #include "store/resource_writer.h"
 #include "store/store_fixture.h"
 #include "store/store_state.h"
@@ -22,7 +22,7 @@ class LostReply : public StoreTest {};
 TEST_F(LostReply, OfALindexIsNoPlainList) {
   (void)store.Run("RPUSH | l | 1");
   recorder.CutAfter(0, 0);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(IsPlainList(context(), "l"), 0U); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(IsPlainList(server(), "l"), 0U); }), "");
 }
 
 TEST_F(LostReply, OfAHexistsCountsAsNotInline) {
@@ -30,31 +30,32 @@ TEST_F(LostReply, OfAHexistsCountsAsNotInline) {
   recorder.CutAfter(0, 0);
   const Document link = Parse(R"({"@odata.id": "/x"})");
   EXPECT_EQ(Printed([&] {
-              EXPECT_EQ(WriteObjectReference(context(), "/r", "A", link.get(), false), 0U);
+              EXPECT_EQ(WriteObjectReference(server(), "/r", "A", link.get(), ParentKind::kHash),
+                        0U);
             }),
             "");
   EXPECT_EQ(PendingRemovalsText(), "");
-  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_TRUE(Store->HashBatch.empty());
 }
 
 // A connection that does not wait reads "no reply yet" without an error.
 TEST_F(LostReply, ThatIsReadAsNothingIsBad) {
-  const StoreConnection impatient(redisConnectUnixNonBlock(ServerSocket().c_str()));
-  ASSERT_NE(impatient, nullptr);
-  ASSERT_EQ(PutHashField(impatient.get(), "k", "f", "v"), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushHashBatch(impatient.get()), 0U); }),
+  Server impatient = {StoreConnection(redisConnectUnixNonBlock(ServerSocket().c_str()))};
+  ASSERT_NE(impatient.connection, nullptr);
+  ASSERT_EQ(PutHashField(&impatient, "k", {"f"}, "v"), 1U);
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushHashBatch(&impatient), 0U); }),
             "Some errors occur while creating hash data into database\n"
             "The data in database would be incorrect\n");
-  ASSERT_EQ(PutListItem(impatient.get(), "l", "v"), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(impatient.get()), 0U); }),
+  ASSERT_EQ(PutListItem(&impatient, "l", {"v"}), 1U);
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(&impatient), 0U); }),
             "Some errors occur while creating list data into database\n"
             "The data in database would be incorrect\n");
-  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_TRUE(Store->HashBatch.empty());
 }
 
 TEST_F(LostReply, AReservedMemberWithoutAValueIsNotWritten) {
-  EXPECT_EQ(WriteReservedProperty(context(), "/r", "&&ETag", nullptr), 0U);
-  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_EQ(WriteReservedProperty(server(), "/r", "&&ETag", nullptr), 0U);
+  EXPECT_TRUE(Store->HashBatch.empty());
 }
 
 }  // namespace

@@ -7,8 +7,8 @@
 #include <map>
 #include <string>
 
-#include "store/command_batches.h"
 #include "store/pruning.h"
+#include "store/queue.h"
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
@@ -24,9 +24,9 @@ TEST_F(MatchingKeys, AreFoundThroughEveryCursor) {
   recorder.Answer(0, "*2\r\n$2\r\n17\r\n*2\r\n$1\r\na\r\n$1\r\nb\r\n");
   recorder.Answer(1, "*2\r\n$1\r\n5\r\n*0\r\n");
   recorder.Answer(2, "*2\r\n$1\r\n0\r\n*1\r\n$1\r\na\r\n");
-  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | a\nUNLINK | b\nUNLINK | a\n");
-  EXPECT_EQ(PrunedPrefixes, (std::map<std::string, bool>{{"/p", true}}));
+  EXPECT_EQ(Store->PrunedPrefixes, (std::set<std::string, std::less<>>{"/p"}));
   EXPECT_EQ(Sent(),
             "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\n"
             "SCAN | 17 | MATCH | /p/* | COUNT | 1000\n--\n"
@@ -38,10 +38,10 @@ TEST_F(MatchingKeys, OfALargeStoreAreAllFound) {
     (void)store.Run(model::Command{"SET", "/p/" + std::to_string(i), "v"});
     (void)store.Run(model::Command{"SET", "/q/" + std::to_string(i), "v"});
   }
-  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 1U);
   // The first 2000 went when the batch was full.
-  EXPECT_GE(RemovalBatch.keys.size(), 1000U);
-  EXPECT_EQ(FlushRemovalBatch(context()), 1U);
+  EXPECT_GE(Store->RemovalBatch.keys.size(), 1000U);
+  EXPECT_EQ(FlushRemovalBatch(server()), 1U);
   for (const auto& entry : store.Contents()) ASSERT_EQ(entry.first.substr(0, 3), "/q/");
   EXPECT_EQ(store.Contents().size(), 3000U);
 }
@@ -49,7 +49,7 @@ TEST_F(MatchingKeys, OfALargeStoreAreAllFound) {
 TEST_F(MatchingKeys, ACursorIsNarrowedToAnInt) {
   recorder.Answer(0, "*2\r\n$10\r\n4294967301\r\n*0\r\n");
   recorder.Answer(1, "*2\r\n$1\r\n0\r\n*0\r\n");
-  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 1U);
+  EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 1U);
   // Where long has 32 bits, parsing stops at its largest value.
   const std::string second = sizeof(long) > sizeof(int) ? "5" : "2147483647";
   EXPECT_EQ(Sent(), "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\nSCAN | " + second +
@@ -57,9 +57,9 @@ TEST_F(MatchingKeys, ACursorIsNarrowedToAnInt) {
 }
 
 TEST_F(MatchingKeys, AShortPatternIsMarkedWhole) {
-  EXPECT_EQ(UnlinkMatchingKeys(context(), "*"), 1U);
-  EXPECT_EQ(UnlinkMatchingKeys(context(), "/*"), 1U);
-  EXPECT_EQ(PrunedPrefixes, (std::map<std::string, bool>{{"*", true}, {"", true}}));
+  EXPECT_EQ(UnlinkMatchingKeys(server(), "*"), 1U);
+  EXPECT_EQ(UnlinkMatchingKeys(server(), "/*"), 1U);
+  EXPECT_EQ(Store->PrunedPrefixes, (std::set<std::string, std::less<>>{"*", ""}));
 }
 
 TEST_F(MatchingKeys, AMalformedAnswerFailsAndMarksNothing) {
@@ -69,20 +69,20 @@ TEST_F(MatchingKeys, AMalformedAnswerFailsAndMarksNothing) {
         "*2\r\n:0\r\n*0\r\n", "*2\r\n$1\r\n0\r\n$1\r\nk\r\n", "*2\r\n$1\r\n0\r\n$-1\r\n",
         "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nk\r\n:1\r\n", "*2\r\n$1\r\n0\r\n*1\r\n*0\r\n"}) {
     recorder.Answer(flight++, reply);
-    EXPECT_EQ(Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U) << reply; }), "");
+    EXPECT_EQ(Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 0U) << reply; }), "");
     EXPECT_EQ(PendingRemovalsText(), "") << reply;
   }
   recorder.CutAfter(flight, 0);
-  EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U);
-  EXPECT_TRUE(PrunedPrefixes.empty());
+  EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 0U);
+  EXPECT_TRUE(Store->PrunedPrefixes.empty());
 }
 
 TEST_F(MatchingKeys, StopAtAFailedFlush) {
   FillRemovalBatch(&store, 1);
   recorder.Answer(0, "*2\r\n$1\r\n7\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n");
-  (void)Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(context(), "/p/*"), 0U); });
+  (void)Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 0U); });
   EXPECT_EQ(PendingRemovalsText(), "");
-  EXPECT_TRUE(PrunedPrefixes.empty());
+  EXPECT_TRUE(Store->PrunedPrefixes.empty());
   EXPECT_EQ(Sent(),
             "SCAN | 0 | MATCH | /p/* | COUNT | 1000\n--\n"
             "UNLINK | a\nHDEL | no hash | f\n");
@@ -91,7 +91,7 @@ TEST_F(MatchingKeys, StopAtAFailedFlush) {
 TEST_F(MatchingFields, AreTakenFromEverySecondItem) {
   recorder.Answer(0, "*2\r\n$1\r\n3\r\n*4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n2\r\n");
   recorder.Answer(1, "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nc\r\n$1\r\n3\r\n");
-  EXPECT_EQ(RemoveMatchingFields(context(), "h", "x *"), 1U);
+  EXPECT_EQ(RemoveMatchingFields(server(), "h", "x *"), 1U);
   EXPECT_EQ(PendingRemovalsText(), "HDEL | h | a\nHDEL | h | b\nHDEL | h | c\n");
   EXPECT_EQ(Sent(), "HSCAN | h | 0 | MATCH | x *\n--\nHSCAN | h | 3 | MATCH | x *\n");
 }
@@ -101,8 +101,8 @@ TEST_F(MatchingFields, OfALargeHashAreAllFound) {
     (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef A /" + std::to_string(i), ""});
     (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef B /" + std::to_string(i), ""});
   }
-  EXPECT_EQ(RemoveMatchingFields(context(), "h", "&&ObjectRef A *"), 1U);
-  EXPECT_EQ(FlushRemovalBatch(context()), 1U);
+  EXPECT_EQ(RemoveMatchingFields(server(), "h", "&&ObjectRef A *"), 1U);
+  EXPECT_EQ(FlushRemovalBatch(server()), 1U);
   EXPECT_EQ(store.Run("HLEN | h").integer, 1500);
 }
 
@@ -111,19 +111,19 @@ TEST_F(MatchingFields, AMalformedAnswerFails) {
   for (const char* reply : {"-ERR no\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", "*2\r\n$1\r\n0\r\n:3\r\n",
                             "*2\r\n$1\r\n0\r\n*2\r\n:1\r\n$1\r\nv\r\n"}) {
     recorder.Answer(flight++, reply);
-    EXPECT_EQ(RemoveMatchingFields(context(), "h", "*"), 0U) << reply;
+    EXPECT_EQ(RemoveMatchingFields(server(), "h", "*"), 0U) << reply;
   }
   EXPECT_EQ(PendingRemovalsText(), "");
 }
 
 TEST_F(MatchingFields, AreFoundWhateverTheirValuesAre) {
   recorder.Answer(0, "*2\r\n$1\r\n0\r\n*4\r\n$1\r\nf\r\n:1\r\n$1\r\ng\r\n*1\r\n$-1\r\n");
-  EXPECT_EQ(RemoveMatchingFields(context(), "h", "*"), 1U);
+  EXPECT_EQ(RemoveMatchingFields(server(), "h", "*"), 1U);
   EXPECT_EQ(PendingRemovalsText(), "HDEL | h | f\nHDEL | h | g\n");
 }
 
 TEST_F(PrunedPrefix, IsAnyPartBeforeASlash) {
-  PrunedPrefixes["&&/r/A"] = true;
+  Store->PrunedPrefixes.insert("&&/r/A");
   EXPECT_TRUE(IsUnderPrunedPrefix("&&/r/A/*"));
   EXPECT_TRUE(IsUnderPrunedPrefix("&&/r/A/B/C/*"));
   EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/AB/*"));
@@ -134,15 +134,9 @@ TEST_F(PrunedPrefix, IsAnyPartBeforeASlash) {
 }
 
 TEST_F(PrunedPrefix, TheEmptyPartBeforeALeadingSlashCounts) {
-  PrunedPrefixes[""] = true;
+  Store->PrunedPrefixes.insert("");
   EXPECT_TRUE(IsUnderPrunedPrefix("/r/*"));
   EXPECT_FALSE(IsUnderPrunedPrefix("&&/r/*"));
-}
-
-TEST_F(PrunedPrefix, LookingUpAddsWhatIsAbsent) {
-  EXPECT_FALSE(IsUnderPrunedPrefix("/a/b/*"));
-  EXPECT_EQ(PrunedPrefixes,
-            (std::map<std::string, bool>{{"", false}, {"/a", false}, {"/a/b", false}}));
 }
 
 }  // namespace

@@ -14,9 +14,6 @@ namespace ostrafel {
 
 namespace {
 
-constexpr bool kInList = true;
-constexpr bool kInHash = false;
-
 class Pruning : public StoreTest {};
 class StaleKeys : public StoreTest {};
 class PlainLists : public StoreTest {};
@@ -30,9 +27,9 @@ std::string FieldRemovals(const std::string& key, const std::string& name,
 }
 
 TEST_F(Pruning, AScalarWithNothingStoredCostsTwoRoundTripsAndFourRemovals) {
-  ASSERT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
-  EXPECT_EQ(RemovalBatchCount, 4U);
+  EXPECT_EQ(Store->RemovalBatchCount, 4U);
   EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nHSCAN | /r | 0 | MATCH | &&ObjectRef A *\n");
 }
 
@@ -40,12 +37,12 @@ TEST_F(Pruning, EveryLinkOfTheMemberGoesWhateverItPointsTo) {
   (void)store.Run(
       "HSET | /r | &&ObjectRef A /x |  | &&ObjectRef A /y/z |  | &&ObjectRef A B /x |  | "
       "&&ObjectRef AB /x |  | &&ObjectRef B /x | ");
-  ASSERT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 1U);
-  ASSERT_EQ(RemovalBatchCount, 7U);  // the links of "A B" match as well
-  ASSERT_EQ(RemovalBatch.hash_fields.size(), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 1U);
+  ASSERT_EQ(Store->RemovalBatchCount, 7U);  // the links of "A B" match as well
+  ASSERT_EQ(Store->RemovalBatch.hash_fields.size(), 1U);
   (void)store.Run("HSET | /r | kept | 1");
   (void)Sent();
-  for (const char* field : RemovalBatch.hash_fields["/r"]) {
+  for (const char* field : Store->RemovalBatch.hash_fields["/r"]) {
     (void)store.Run(model::Command{"HDEL", "/r", field});
   }
   EXPECT_EQ(store.Dump(),
@@ -57,7 +54,7 @@ TEST_F(Pruning, EveryLinkOfTheMemberGoesWhateverItPointsTo) {
 TEST_F(Pruning, AScalarThatWasAnObjectTakesItsSubtreeAndTwinsAway) {
   (void)store.Run("HSET | &&/r/A | x | 1");
   (void)store.Run("RPUSH | &&/r/A/List | 1");
-  ASSERT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(),
             "UNLINK | &&/r/A\nUNLINK | &&/r/A/List\n" + FieldRemovals("/r", "A", "&&/r/A"));
   EXPECT_EQ(Sent(),
@@ -69,32 +66,32 @@ TEST_F(Pruning, AScalarThatWasAnObjectTakesItsSubtreeAndTwinsAway) {
 TEST_F(Pruning, AnObjectThatWasAHashKeepsEverythingBelowIt) {
   (void)store.Run("HSET | &&/r/A | x | 1");
   (void)store.Run("HSET | &&/r/A/B | y | 2");
-  ASSERT_EQ(PruneProperty(context(), "/r", "A", "&&/r/A", kInHash, StoredHash), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r", "A", "&&/r/A", ParentKind::kHash, StoredHash), 1U);
   EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
-  EXPECT_TRUE(PrunedPrefixes.empty());
+  EXPECT_TRUE(Store->PrunedPrefixes.empty());
 }
 
 TEST_F(Pruning, AnArrayThatWasAnObjectTakesTheHashAwayWithAllBelowIt) {
   (void)store.Run("HSET | &&/r/A | x | 1");
   (void)store.Run("HSET | &&/r/A/B | y | 2");
-  ASSERT_EQ(PruneProperty(context(), "/r", "A", "&&/r/A", kInHash, StoredList), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r", "A", "&&/r/A", ParentKind::kHash, StoredList), 1U);
   EXPECT_EQ(PendingRemovalsText(),
             "UNLINK | &&/r/A\nUNLINK | &&/r/A/B\n" + FieldRemovals("/r", "A", "&&/r/A"));
 }
 
 TEST_F(Pruning, TheChildKeyIsTakenAsGiven) {
-  ASSERT_EQ(PruneProperty(context(), "/r", "A", "/x//y", kInHash, StoredHash), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r", "A", "/x//y", ParentKind::kHash, StoredHash), 1U);
   EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "/x//y"));
   EXPECT_EQ(Sent(), "TYPE | /x//y\n--\nHSCAN | /r | 0 | MATCH | &&ObjectRef A *\n");
 }
 
 TEST_F(Pruning, AnEmptyChildKeyIsDerivedFromTheNameAndNormalized) {
-  ASSERT_EQ(PruneProperty(context(), "/r//", "A", "", kInHash, StoredHash), 1U);
+  ASSERT_EQ(PruneProperty(server(), "/r//", "A", "", ParentKind::kHash, StoredHash), 1U);
   EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r//", "A", "&&/r/A"));
 }
 
 TEST_F(Pruning, AnElementOfAListLosesEqualElementsAndCostsNoFieldSearch) {
-  ASSERT_EQ(PruneProperty(context(), "&&/r/L", "2", "&&/r/L/2", kInList, StoredHash), 1U);
+  ASSERT_EQ(PruneProperty(server(), "&&/r/L", "2", "&&/r/L/2", ParentKind::kList, StoredHash), 1U);
   EXPECT_EQ(PendingRemovalsText(),
             "LREM | &&/r/L | 0 | 2\n"
             "LREM | &&/r/L | 0 | &&Array &&/r/L/2\n"
@@ -105,34 +102,37 @@ TEST_F(Pruning, AnElementOfAListLosesEqualElementsAndCostsNoFieldSearch) {
 
 TEST_F(Pruning, StopsWhenTheTypeCannotBeRead) {
   recorder.Answer(0, "-NOPERM no\r\n");
-  EXPECT_EQ(
-      Printed([&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); }),
-      "");
+  EXPECT_EQ(Printed([&] {
+              EXPECT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 0U);
+            }),
+            "");
   EXPECT_EQ(PendingRemovalsText(), "");
   EXPECT_EQ(Sent(), "TYPE | &&/r/A\n");
 }
 
 TEST_F(Pruning, KeepsWhatItQueuedWhenTheLinksCannotBeRead) {
   (void)store.Run("SET | /r | in the way");
-  EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U);
+  EXPECT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 0U);
   EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
 }
 
 TEST_F(Pruning, StopsAtAFailedFlush) {
   FillRemovalBatch(&store);
-  EXPECT_EQ(
-      Printed([&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); }),
-      "Some errors occur while removing data from database\n"
-      "The data in database would be incorrect\n");
+  EXPECT_EQ(Printed([&] {
+              EXPECT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 0U);
+            }),
+            "Some errors occur while removing data from database\n"
+            "The data in database would be incorrect\n");
   EXPECT_EQ(PendingRemovalsText(), "");
-  EXPECT_EQ(RemovalBatchCount, BatchLimit);
+  EXPECT_EQ(Store->RemovalBatchCount, BatchLimit);
   EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nHDEL | no hash | f\n");
 }
 
 TEST_F(Pruning, StopsAtAFailedFlushBetweenTheRecords) {
   FillRemovalBatch(&store, 2);  // the field and the first record are queued
-  (void)Printed(
-      [&] { EXPECT_EQ(PruneProperty(context(), "/r", "A", "", kInHash, StoredNone), 0U); });
+  (void)Printed([&] {
+    EXPECT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 0U);
+  });
   EXPECT_EQ(PendingRemovalsText(), "");
   EXPECT_EQ(Sent(),
             "TYPE | &&/r/A\n--\n"
@@ -142,7 +142,7 @@ TEST_F(Pruning, StopsAtAFailedFlushBetweenTheRecords) {
 TEST_F(StaleKeys, StopAtAFailedFlush) {
   (void)store.Run("HSET | /c | f | v");
   FillRemovalBatch(&store);
-  (void)Printed([&] { EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 0U); });
+  (void)Printed([&] { EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 0U); });
   EXPECT_EQ(Sent(), "TYPE | /c\n--\nHDEL | no hash | f\n");
 }
 
@@ -167,9 +167,9 @@ TEST_F(StaleKeys, WhatIsThereIsComparedWithWhatIsExpected) {
   };
   for (const auto& c : cases) {
     (void)store.Run("FLUSHALL");
-    ResetStoreState();
+    Store.emplace();
     if (c.fill != nullptr) (void)store.Run(c.fill);
-    EXPECT_EQ(PruneStaleKey(context(), "k", c.expected), 1U);
+    EXPECT_EQ(PruneStaleKey(server(), "k", c.expected), 1U);
     EXPECT_EQ(PendingRemovalsText(), c.is_stale ? "UNLINK | k\n" : "")
         << (c.fill == nullptr ? "nothing" : c.fill) << " as " << c.expected;
   }
@@ -177,19 +177,19 @@ TEST_F(StaleKeys, WhatIsThereIsComparedWithWhatIsExpected) {
 
 TEST_F(StaleKeys, ATypeThatOnlyBeginsWithNoneIsNothing) {
   recorder.Answer(0, "+nonesuch\r\n");
-  EXPECT_EQ(PruneStaleKey(context(), "k", StoredHash), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "k", StoredHash), 1U);
   EXPECT_EQ(PendingRemovalsText(), "");
 }
 
 TEST_F(StaleKeys, ATypeThatOnlyBeginsAsExpectedIsStale) {
   recorder.Answer(0, "+hashes\r\n");
-  EXPECT_EQ(PruneStaleKey(context(), "k", StoredHash), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "k", StoredHash), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | k\n");
 }
 
 TEST_F(StaleKeys, AListOfPlainValuesIsNotScannedBelow) {
   (void)store.Run("RPUSH | &&/r/A | 1 | 2");
-  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A", StoredList), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "&&/r/A", StoredList), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\n");
   EXPECT_EQ(Sent(), "TYPE | &&/r/A\n--\nLINDEX | &&/r/A | 0\n");
 }
@@ -197,7 +197,7 @@ TEST_F(StaleKeys, AListOfPlainValuesIsNotScannedBelow) {
 TEST_F(StaleKeys, AListOfRecordsIsScannedBelow) {
   (void)store.Run("RPUSH | &&/r/A | &&Object &&/r/A/0");
   (void)store.Run("HSET | &&/r/A/0 | x | 1");
-  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A", StoredList), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "&&/r/A", StoredList), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\nUNLINK | &&/r/A/0\n");
   EXPECT_EQ(Sent(),
             "TYPE | &&/r/A\n--\nLINDEX | &&/r/A | 0\n--\n"
@@ -207,7 +207,7 @@ TEST_F(StaleKeys, AListOfRecordsIsScannedBelow) {
 TEST_F(StaleKeys, AMarkerWithNothingBehindItIsAPlainValue) {
   (void)store.Run(model::Command{"RPUSH", "&&/r/A", "&&Object "});
   (void)store.Run("HSET | &&/r/A/0 | x | 1");
-  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A", StoredNone), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "&&/r/A", StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\n");
 }
 
@@ -215,10 +215,10 @@ TEST_F(StaleKeys, AResourcesTwinsGoWithItButNotTheTwinKeyItself) {
   for (const char* key : {"/c", "&&/c", "/c/x", "&&/c/y", "/cc", "&&/cc/z"}) {
     (void)store.Run(model::Command{"HSET", key, "f", "v"});
   }
-  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredList), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "/c", StoredList), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\nUNLINK | /c/x\nUNLINK | &&/c/y\n");
-  EXPECT_EQ(PrunedPrefixes.at("/c"), true);
-  EXPECT_EQ(PrunedPrefixes.at("&&/c"), true);
+  EXPECT_EQ(Store->PrunedPrefixes.count("/c"), 1U);
+  EXPECT_EQ(Store->PrunedPrefixes.count("&&/c"), 1U);
   EXPECT_EQ(Sent(),
             "TYPE | /c\n--\n"
             "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
@@ -227,8 +227,8 @@ TEST_F(StaleKeys, AResourcesTwinsGoWithItButNotTheTwinKeyItself) {
 
 TEST_F(StaleKeys, TheTwinsAreScannedEvenWhenTheyWereScannedBefore) {
   (void)store.Run("HSET | /c | f | v");
-  PrunedPrefixes["&&/c"] = true;
-  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredList), 1U);
+  Store->PrunedPrefixes.insert("&&/c");
+  EXPECT_EQ(PruneStaleKey(server(), "/c", StoredList), 1U);
   EXPECT_EQ(Sent(),
             "TYPE | /c\n--\n"
             "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
@@ -238,10 +238,10 @@ TEST_F(StaleKeys, TheTwinsAreScannedEvenWhenTheyWereScannedBefore) {
 TEST_F(StaleKeys, AChildKeyWithASlashAtItsEndGetsNoSecondOne) {
   (void)store.Run("HSET | /c/ | f | v");
   (void)store.Run("HSET | /c/x | f | v");
-  EXPECT_EQ(PruneStaleKey(context(), "/c/", StoredNone), 1U);
-  EXPECT_EQ(PrunedPrefixes.at("/c"), true);
-  EXPECT_EQ(PrunedPrefixes.at("&&/c"), true);
-  EXPECT_EQ(PrunedPrefixes.count("/c/"), 0U);
+  EXPECT_EQ(PruneStaleKey(server(), "/c/", StoredNone), 1U);
+  EXPECT_EQ(Store->PrunedPrefixes.count("/c"), 1U);
+  EXPECT_EQ(Store->PrunedPrefixes.count("&&/c"), 1U);
+  EXPECT_EQ(Store->PrunedPrefixes.count("/c/"), 0U);
   EXPECT_EQ(Sent(),
             "TYPE | /c/\n--\n"
             "SCAN | 0 | MATCH | /c/* | COUNT | 1000\n--\n"
@@ -251,8 +251,8 @@ TEST_F(StaleKeys, AChildKeyWithASlashAtItsEndGetsNoSecondOne) {
 TEST_F(StaleKeys, TheSameKeyAgainIsUnlinkedAgainButNotScannedAgain) {
   (void)store.Run("HSET | /c | f | v");
   (void)store.Run("HSET | /c/x | f | v");
-  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 1U);
-  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\nUNLINK | /c/x\nUNLINK | /c\n");
   EXPECT_EQ(Sent(),
             "TYPE | /c\n--\n"
@@ -263,8 +263,8 @@ TEST_F(StaleKeys, TheSameKeyAgainIsUnlinkedAgainButNotScannedAgain) {
 
 TEST_F(StaleKeys, ASubtreeInsideAPrunedOneIsNotScanned) {
   (void)store.Run("HSET | /c/x | f | v");
-  PrunedPrefixes["/c"] = true;
-  EXPECT_EQ(PruneStaleKey(context(), "/c/x", StoredNone), 1U);
+  Store->PrunedPrefixes.insert("/c");
+  EXPECT_EQ(PruneStaleKey(server(), "/c/x", StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c/x\n");
   EXPECT_EQ(Sent(), "TYPE | /c/x\n");
 }
@@ -272,7 +272,7 @@ TEST_F(StaleKeys, ASubtreeInsideAPrunedOneIsNotScanned) {
 TEST_F(StaleKeys, GlobCharactersMatchAsGlobs) {
   (void)store.Run("HSET | &&/r/A* | f | v");
   (void)store.Run("HSET | &&/r/AB/x | f | v");
-  EXPECT_EQ(PruneStaleKey(context(), "&&/r/A*", StoredNone), 1U);
+  EXPECT_EQ(PruneStaleKey(server(), "&&/r/A*", StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A*\nUNLINK | &&/r/AB/x\n");
 }
 
@@ -280,16 +280,16 @@ TEST_F(StaleKeys, FailWhenTheTypeIsNoStatus) {
   std::size_t flight = 0;
   for (const char* reply : {"-ERR no\r\n", "$4\r\nnone\r\n", ":1\r\n", "$-1\r\n", "*0\r\n"}) {
     recorder.Answer(flight++, reply);
-    EXPECT_EQ(PruneStaleKey(context(), "k", StoredNone), 0U) << reply;
+    EXPECT_EQ(PruneStaleKey(server(), "k", StoredNone), 0U) << reply;
   }
   recorder.CutAfter(flight, 0);
-  EXPECT_EQ(PruneStaleKey(context(), "k", StoredNone), 0U);
+  EXPECT_EQ(PruneStaleKey(server(), "k", StoredNone), 0U);
 }
 
 TEST_F(StaleKeys, FailWhenTheScanFails) {
   (void)store.Run("HSET | /c | f | v");
   recorder.Answer(1, "-NOPERM no\r\n");
-  EXPECT_EQ(PruneStaleKey(context(), "/c", StoredNone), 0U);
+  EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 0U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\n");  // what was queued stays
   EXPECT_EQ(Sent(), "TYPE | /c\n--\nSCAN | 0 | MATCH | /c/* | COUNT | 1000\n");
 }
@@ -314,14 +314,14 @@ TEST_F(PlainLists, AreToldByTheirFirstElement) {
   for (const auto& c : cases) {
     (void)store.Run("FLUSHALL");
     (void)store.Run(model::Command{"RPUSH", "l", c.first, "&&Object x"});
-    EXPECT_EQ(IsPlainList(context(), "l"), c.is_plain) << c.first;
+    EXPECT_EQ(IsPlainList(server(), "l"), c.is_plain) << c.first;
   }
 }
 
 TEST_F(PlainLists, AreNeitherMissingNorOfAnotherType) {
-  EXPECT_EQ(IsPlainList(context(), "none"), 0U);
+  EXPECT_EQ(IsPlainList(server(), "none"), 0U);
   (void)store.Run("HSET | h | f | v");
-  EXPECT_EQ(IsPlainList(context(), "h"), 0U);
+  EXPECT_EQ(IsPlainList(server(), "h"), 0U);
 }
 
 }  // namespace

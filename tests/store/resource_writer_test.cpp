@@ -8,7 +8,7 @@
 #include <string>
 
 #include "model/memory_store.h"
-#include "store/command_batches.h"
+#include "store/queue.h"
 #include "store/store_fixture.h"
 #include "store/store_state.h"
 
@@ -19,10 +19,10 @@ namespace {
 // Writes as a create does: nothing is pruned, so nothing is sent before a flush.
 class Writer : public StoreTest {
  protected:
-  Writer() { MergeMode = false; }
+  Writer() { Store->MergeMode = false; }
 
   unsigned Write(const std::string& key, const std::string& json) {
-    return WriteResource(context(), key, Parse(json).get());
+    return WriteResource(server(), key, Parse(json).get());
   }
 
   // What waits in the batches, as it would be stored.
@@ -37,20 +37,20 @@ class Writer : public StoreTest {
 // Writes as an update does.
 class UpdateWriter : public Writer {
  protected:
-  UpdateWriter() { MergeMode = true; }
+  UpdateWriter() { Store->MergeMode = true; }
 };
 
 TEST_F(Writer, WritesTheMembersOfAKeyOncePerRun) {
   EXPECT_EQ(Write("/r", R"({"A": 1})"), 1U);
   EXPECT_EQ(Write("/r", R"({"A": 2, "B": 3})"), 1U);
   EXPECT_EQ(Pending(), "hash | /r | A | 1\n");
-  EXPECT_TRUE(VisitedResourceMap.at("/r"));
+  EXPECT_TRUE(Store->VisitedResourceMap.at("/r"));
 }
 
 TEST_F(Writer, AnEmptyRootWritesNothingAndIsVisited) {
   EXPECT_EQ(Write("/r", "{}"), 1U);
   EXPECT_EQ(Pending(), "");
-  EXPECT_TRUE(VisitedResourceMap.at("/r"));
+  EXPECT_TRUE(Store->VisitedResourceMap.at("/r"));
 }
 
 TEST_F(Writer, ReportsTheOutcomeOfTheLastMember) {
@@ -81,7 +81,7 @@ TEST_F(Writer, AnObjectWithAnIdLiesUnderItAndIsWrittenOnce) {
             "hash | /2 | &&Object P /a | \n"
             "hash | /a | @odata.id | \"/a\"\n"
             "hash | /a | X | 1\n");
-  EXPECT_TRUE(VisitedResourceMap.at("/a"));
+  EXPECT_TRUE(Store->VisitedResourceMap.at("/a"));
 }
 
 TEST_F(Writer, ARootThatWasWrittenInlineIsNotWrittenAgain) {
@@ -98,7 +98,7 @@ TEST_F(Writer, AnObjectInsideItselfGetsOnlyItsRecord) {
 
 TEST_F(Writer, DerivedKeysAreNeverVisited) {
   EXPECT_EQ(Write("/r", R"({"O": {"X": 1}, "L": [{"X": 1}]})"), 1U);
-  EXPECT_EQ(VisitedResourceMap, (std::map<std::string, bool>{{"/r", true}}));
+  EXPECT_EQ(Store->VisitedResourceMap, (std::map<std::string, bool>{{"/r", true}}));
 }
 
 TEST_F(Writer, LinksAreRecordsOnly) {
@@ -107,13 +107,13 @@ TEST_F(Writer, LinksAreRecordsOnly) {
             "list | &&/r/M | &&ObjectRef /y\n"
             "hash | /r | &&Array M &&/r/M | \n"
             "hash | /r | &&ObjectRef L /x | \n");
-  EXPECT_EQ(VisitedResourceMap.size(), 1U);
+  EXPECT_EQ(Store->VisitedResourceMap.size(), 1U);
 }
 
 TEST_F(Writer, ALoneIdThatIsNoStringIsNoLinkAndFails) {
   for (const char* id : {"1", "null", "true", "{}", "[]", "1.5"}) {
-    ResetStoreState();
-    MergeMode = false;
+    Store.emplace();
+    Store->MergeMode = false;
     EXPECT_EQ(Write("/r", R"({"L": {"@odata.id": )" + std::string(id) + "}}"), 0U) << id;
     EXPECT_EQ(Pending(), "") << id;
   }
@@ -172,11 +172,10 @@ TEST_F(Writer, ReservedNamesDoNotApplyToElements) {
 
 TEST_F(Writer, AValueWithoutATextFailsAndIsNamed) {
   const Document object = Parse("{}");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(WriteScalarProperty(server(), "/r", "A", object.get()), 0U); }),
+            "get value of /r/A fail");
   EXPECT_EQ(
-      Printed([&] { EXPECT_EQ(WriteScalarProperty(context(), "/r", "A", object.get()), 0U); }),
-      "get value of /r/A fail");
-  EXPECT_EQ(
-      Printed([&] { EXPECT_EQ(WriteScalarProperty(context(), "&&/r/L", nullptr, nullptr), 0U); }),
+      Printed([&] { EXPECT_EQ(WriteScalarProperty(server(), "&&/r/L", nullptr, nullptr), 0U); }),
       "get value of &&/r/L/(null) fail");
   EXPECT_EQ(Pending(), "");
 }
@@ -184,15 +183,14 @@ TEST_F(Writer, AValueWithoutATextFailsAndIsNamed) {
 TEST_F(Writer, WhatIsNoReservedStringIsLeftToTheScalars) {
   const Document object = Parse(R"({"&&ETag": 5, "A": "text"})");
   EXPECT_EQ(
-      WriteReservedProperty(context(), "/r", "&&ETag", json_object_get(object.get(), "&&ETag")),
-      0U);
-  EXPECT_EQ(WriteReservedProperty(context(), "/r", "A", json_object_get(object.get(), "A")), 0U);
+      WriteReservedProperty(server(), "/r", "&&ETag", json_object_get(object.get(), "&&ETag")), 0U);
+  EXPECT_EQ(WriteReservedProperty(server(), "/r", "A", json_object_get(object.get(), "A")), 0U);
   EXPECT_EQ(Pending(), "");
 }
 
 TEST_F(Writer, AReservedMemberWhosePutFailsIsWrittenOnceMoreAsAScalar) {
   (void)store.Run("SET | k | in the way");
-  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(context(), "k", "f", "v"), 1U);
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(server(), "k", {"f"}, "v"), 1U);
   EXPECT_EQ(Printed([&] { EXPECT_EQ(Write("/r", R"({"&&ETag": "e"})"), 1U); }),
             "Some errors occur while creating hash data into database\n"
             "The data in database would be incorrect\n");
@@ -201,21 +199,21 @@ TEST_F(Writer, AReservedMemberWhosePutFailsIsWrittenOnceMoreAsAScalar) {
 
 TEST_F(Writer, AnObjectWhoseRecordCannotBeQueuedIsNotWritten) {
   (void)store.Run("SET | k | in the way");
-  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(context(), "k", "f", "v"), 1U);
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(server(), "k", {"f"}, "v"), 1U);
   (void)Printed([&] { EXPECT_EQ(Write("/r", R"({"O": {"A": 1}})"), 0U); });
   EXPECT_EQ(Pending(), "");
 }
 
 TEST_F(Writer, ALinkWhosePutFailsGoesOnAsAnObjectUnderItsId) {
   (void)store.Run("SET | k | in the way");
-  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(context(), "k", "f", "v"), 1U);
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(server(), "k", {"f"}, "v"), 1U);
   EXPECT_EQ(Printed([&] { EXPECT_EQ(Write("/r", R"({"L": {"@odata.id": "/x"}})"), 1U); }),
             "Some errors occur while creating hash data into database\n"
             "The data in database would be incorrect\n");
   EXPECT_EQ(Pending(),
             "hash | /r | &&Object L /x | \n"
             "hash | /x | @odata.id | \"/x\"\n");
-  EXPECT_TRUE(VisitedResourceMap.at("/x"));
+  EXPECT_TRUE(Store->VisitedResourceMap.at("/x"));
 }
 
 TEST_F(Writer, SendsNothingBeforeAFlush) {
@@ -254,7 +252,7 @@ TEST_F(UpdateWriter, ALinkThatWasNotInlineCostsNoScan) {
 
 TEST_F(UpdateWriter, ALinkBelowAPrunedPrefixCostsNoScan) {
   (void)store.Run("HSET | /r | &&Object A &&/r/A | ");
-  PrunedPrefixes["&&/r"] = true;
+  Store->PrunedPrefixes.insert("&&/r");
   EXPECT_EQ(Write("/r", R"({"A": {"@odata.id": "/x"}})"), 1U);
   EXPECT_EQ(Sent(),
             "HEXISTS | /r | &&Object A &&/r/A\n--\n"
@@ -265,11 +263,11 @@ TEST_F(UpdateWriter, ALinkBelowAPrunedPrefixCostsNoScan) {
 TEST_F(UpdateWriter, AFailedHexistsCountsAsNotInline) {
   std::size_t flight = 0;
   for (const char* reply : {"-ERR no\r\n", "$1\r\n1\r\n", ":2\r\n", ":0\r\n"}) {
-    ResetStoreState();
+    Store.emplace();
     recorder.Answer(flight, reply);
     flight += 3;
     EXPECT_EQ(Write("/r", R"({"A": {"@odata.id": "/x"}})"), 1U) << reply;
-    EXPECT_EQ(RemovalBatch.keys.size(), 0U) << reply;
+    EXPECT_EQ(Store->RemovalBatch.keys.size(), 0U) << reply;
     EXPECT_EQ(Pending(), "hash | /r | &&ObjectRef A /x | \n") << reply;
   }
 }

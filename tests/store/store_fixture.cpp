@@ -22,28 +22,28 @@ std::string RecorderSocket() { return RuntimeDirectory() + "/recorder.sock"; }
 StoreTest::StoreTest()
     : store(ServerSocket()),
       recorder(RecorderSocket(), ServerSocket()),
-      connection_(redisConnectUnix(RecorderSocket().c_str())) {
+      server_{StoreConnection(redisConnectUnix(RecorderSocket().c_str()))} {
   recorder.Watch(getpid());
   (void)store.Run("FLUSHALL");
-  ResetStoreState();
+  Store.emplace();
 }
 
-StoreTest::~StoreTest() { ResetStoreState(); }
+StoreTest::~StoreTest() { Store.emplace(); }
 
 std::string StoreTest::Sent() {
-  connection_.reset();
+  server_.connection.reset();
   return Describe(recorder.Finish().flights);
 }
 
 void FillRemovalBatch(TestStore* store, std::uint32_t removals_before) {
   (void)store->Run("SET | no hash | text");
-  RemovalBatch.hash_fields["no hash"] = {"f"};
-  RemovalBatchCount = BatchLimit - removals_before;
+  Store->RemovalBatch.hash_fields["no hash"] = {"f"};
+  Store->RemovalBatchCount = BatchLimit - removals_before;
 }
 
 std::map<std::string, std::map<std::string, std::string>> PendingFields() {
   std::map<std::string, std::map<std::string, std::string>> pending;
-  for (const auto& [key, fields] : HashBatch) {
+  for (const auto& [key, fields] : Store->HashBatch) {
     for (const Field& field : fields) pending[key][field.name] = field.value;
   }
   return pending;
@@ -51,21 +51,22 @@ std::map<std::string, std::map<std::string, std::string>> PendingFields() {
 
 std::map<std::string, std::vector<std::string>> PendingValues() {
   std::map<std::string, std::vector<std::string>> pending;
-  for (const auto& [key, values] : ListBatch) pending[key].assign(values.begin(), values.end());
+  for (const auto& [key, values] : Store->ListBatch)
+    pending[key].assign(values.begin(), values.end());
   return pending;
 }
 
 std::string PendingRemovalsText() {
   std::string text;
-  for (const std::string& key : RemovalBatch.keys) {
+  for (const std::string& key : Store->RemovalBatch.keys) {
     text += model::Describe(model::Command{"UNLINK", key}) + "\n";
   }
-  for (const auto& [key, values] : RemovalBatch.list_values) {
+  for (const auto& [key, values] : Store->RemovalBatch.list_values) {
     for (const char* value : values) {
       text += model::Describe(model::Command{"LREM", key, "0", value}) + "\n";
     }
   }
-  for (const auto& [key, fields] : RemovalBatch.hash_fields) {
+  for (const auto& [key, fields] : Store->RemovalBatch.hash_fields) {
     for (const char* field : fields) {
       text += model::Describe(model::Command{"HDEL", key, field}) + "\n";
     }

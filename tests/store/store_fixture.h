@@ -5,15 +5,14 @@
 #define OSTRAFEL_TESTS_STORE_STORE_FIXTURE_H_
 
 #include <gtest/gtest.h>
-#include <hiredis/hiredis.h>
 
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "connection/store_connection.h"
 #include "document/document.h"
+#include "redis/redis_server.h"
 #include "support/recorder.h"
 #include "support/test_store.h"
 
@@ -25,8 +24,8 @@ class StoreTest : public testing::Test {
   StoreTest();
   ~StoreTest() override;
 
-  /// The connection that operations are given.
-  redisContext* context() { return connection_.get(); }
+  /// The server that operations are given.
+  Server* server() { return &server_; }
 
   /// Closes the connection and returns the commands that were sent, as Describe writes flights.
   std::string Sent();
@@ -43,7 +42,7 @@ class StoreTest : public testing::Test {
   Recorder recorder;
 
  private:
-  StoreConnection connection_;
+  Server server_;
 };
 
 /// Makes a later QueueRemoval fail, after this many that succeed: the batch is full by then, and

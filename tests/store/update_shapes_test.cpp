@@ -20,8 +20,8 @@ class UpdateShapes : public StoreTest {
  protected:
   // The keys that an update of /r with this document queues for unlinking.
   std::vector<std::string> Unlinked(const std::string& json) {
-    EXPECT_EQ(WriteResource(context(), "/r", Parse(json).get()), 1U);
-    return RemovalBatch.keys;
+    EXPECT_EQ(WriteResource(server(), "/r", Parse(json).get()), 1U);
+    return Store->RemovalBatch.keys;
   }
 };
 
@@ -52,12 +52,12 @@ TEST_F(UpdateShapes, AnArrayReplacesTheArrayBeforeIt) {
 TEST_F(UpdateShapes, AnObjectInAnArrayIsPrunedAsAnElement) {
   (void)store.Run("RPUSH | &&/r/A/0 | 1");
   EXPECT_EQ(Unlinked(R"({"A": [{"x": 2}]})"), Keys{"&&/r/A/0"});
-  EXPECT_FALSE(RemovalBatch.list_values["&&/r/A"].empty());
+  EXPECT_FALSE(Store->RemovalBatch.list_values["&&/r/A"].empty());
 }
 
 // Only the whole part before a slash counts, the empty one between two slashes included.
 TEST_F(UpdateShapes, AMarkThatEndsWithASlashCountsForTheKeysBelowIt) {
-  PrunedPrefixes["a/"] = true;
+  Store->PrunedPrefixes.insert("a/");
   EXPECT_TRUE(IsUnderPrunedPrefix("a//b/*"));
   EXPECT_FALSE(IsUnderPrunedPrefix("a/b/*"));
 }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <stdexcept>
 #include <string>
 
 namespace ostrafel {
@@ -61,16 +63,39 @@ TEST(DerivedKeys, JoinParentAndName) {
   for (const auto& c : cases) EXPECT_EQ(DerivedKey(c.parent, c.name), c.key);
 }
 
-TEST(ReferenceFields, HoldMarkerNameAndTarget) {
-  EXPECT_EQ(ReferenceField(ObjectMarker, "Status", "&&/r/Status"), "&&Object Status &&/r/Status");
-  EXPECT_EQ(ReferenceField(ObjectRefMarker, "Chassis", "/r/Chassis"),
-            "&&ObjectRef Chassis /r/Chassis");
-  EXPECT_EQ(ReferenceField(ArrayMarker, "Fans", "&&/r/Fans"), "&&Array Fans &&/r/Fans");
+std::string Record(ParentKind parent, const char* marker, const char* name, const char* target) {
+  return Join(ReferenceRecord(parent, marker, name, target));
 }
 
-TEST(ReferenceFields, KeepBlanksInTheName) {
-  EXPECT_EQ(ReferenceField(ObjectMarker, "A ", "&&/r/A "), "&&Object A  &&/r/A ");
-  EXPECT_EQ(ReferenceField(ObjectMarker, "", "&&/r/"), "&&Object  &&/r/");
+TEST(ReferenceRecords, OfAHashHoldMarkerNameAndTarget) {
+  const ParentKind hash = ParentKind::kHash;
+  EXPECT_EQ(Record(hash, ObjectMarker, "Status", "&&/r/Status"), "&&Object Status &&/r/Status");
+  EXPECT_EQ(Record(hash, ObjectRefMarker, "A", "/r/A"), "&&ObjectRef A /r/A");
+  EXPECT_EQ(Record(hash, ArrayMarker, "Fans", "&&/r/Fans"), "&&Array Fans &&/r/Fans");
+}
+
+TEST(ReferenceRecords, KeepSpacesInTheName) {
+  EXPECT_EQ(Record(ParentKind::kHash, ObjectMarker, "A ", "&&/r/A "), "&&Object A  &&/r/A ");
+  EXPECT_EQ(Record(ParentKind::kHash, ObjectMarker, "", "&&/r/"), "&&Object  &&/r/");
+}
+
+TEST(ReferenceRecords, OfAListHoldMarkerAndTarget) {
+  EXPECT_EQ(Record(ParentKind::kList, ArrayMarker, "0", "&&/r/L/0"), "&&Array &&/r/L/0");
+}
+
+TEST(ReferenceRecords, AreToldFromPlainValues) {
+  for (const char* record : {"&&Object x", "&&ObjectRef x", "&&Array x", "&&Array  "}) {
+    EXPECT_TRUE(IsReferenceRecord(record)) << record;
+  }
+  for (const char* value : {"&&Object ", "&&ObjectRef ", "&&Array ", "&&Array", "&&Objects x",
+                            "\"&&Array x\"", " &&Array x", ""}) {
+    EXPECT_FALSE(IsReferenceRecord(value)) << value;
+  }
+}
+
+TEST(LinkPatterns, TakeAnyTargetAndKeepGlobs) {
+  EXPECT_EQ(LinkPattern("A"), "&&ObjectRef A *");
+  EXPECT_EQ(LinkPattern("[a]*"), "&&ObjectRef [a]* *");
 }
 
 TEST(SubtreePatterns, CoverWhatLiesBelowAKey) {
@@ -78,6 +103,19 @@ TEST(SubtreePatterns, CoverWhatLiesBelowAKey) {
   EXPECT_EQ(SubtreePattern("/r/"), "/r/*");
   EXPECT_EQ(SubtreePattern("&&/r/A"), "&&/r/A/*");
   EXPECT_EQ(SubtreePattern(""), "/*");
+}
+
+TEST(TwinPatterns, HaveThePrefixOnceMore) {
+  EXPECT_EQ(TwinPattern("/r/*"), "&&/r/*");
+  EXPECT_TRUE(IsTwinPattern("&&/r/*"));
+  EXPECT_FALSE(IsTwinPattern("/r/*"));
+  EXPECT_FALSE(IsTwinPattern("&"));
+}
+
+TEST(TreePatterns, AreTheUriAndWhatLiesBelowItAndItsTwin) {
+  EXPECT_EQ(TreePatterns("/r"), (std::array<std::string, 3>{"/r", "/r/*", "&&/r/*"}));
+  EXPECT_EQ(TreePatterns("/r/"), (std::array<std::string, 3>{"/r/", "/r/*", "&&/r/*"}));
+  EXPECT_THROW((void)TreePatterns(""), std::out_of_range);
 }
 
 TEST(ReservedProperties, AreTheseFifteenToTheByte) {

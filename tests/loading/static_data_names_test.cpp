@@ -26,9 +26,10 @@ TEST(StaticDataNames, AnEmptyRootKeyStandsForTheRoot) {
 TEST(StaticDataNames, AFileWithoutAPointInItsWholePathIsNoJsonFile) {
   const TempDirectory tree;
   tree.Write("json", "{}");
+  std::vector<PathNote> notes;
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(tree.path());
-  const bool is_json_file = IsJsonFile("json");
+  const bool is_json_file = IsJsonFile("json", &notes);
   std::filesystem::current_path(before);
   EXPECT_FALSE(is_json_file);
 }

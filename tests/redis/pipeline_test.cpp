@@ -13,11 +13,11 @@
 #include <vector>
 
 #include "connection/broken_pipe.h"
-#include "connection/store_connection.h"
+#include "redis/redis_server.h"
 #include "redis/replies.h"
-#include "redis/tree_removal.h"
-#include "store/command_batches.h"
 #include "store/pruning.h"
+#include "store/queue.h"
+#include "store/server.h"
 #include "store/store_state.h"
 #include "support/leaving_server.h"
 #include "support/repeated.h"
@@ -33,19 +33,20 @@ class BrokenPipeline : public testing::Test {
  protected:
   BrokenPipeline() {
     SurviveBrokenPipe();
-    ResetStoreState();
+    Store.emplace();
   }
-  ~BrokenPipeline() override { ResetStoreState(); }
+  ~BrokenPipeline() override { Store.emplace(); }
 
   // Connects to a server that will leave so.
   void Connect(const Departure& departure, const model::Store& store = {}, bool is_tcp = false) {
     const std::string path = RuntimeDirectory() + "/leaving.sock";
     server_ = std::make_unique<LeavingServer>(is_tcp ? "" : path, store, departure);
-    connection_.reset(is_tcp ? redisConnect("127.0.0.1", 6379) : redisConnectUnix(path.c_str()));
-    ASSERT_EQ(connection_->err, 0) << connection_->errstr;
+    connection_.connection.reset(is_tcp ? redisConnect("127.0.0.1", 6379)
+                                        : redisConnectUnix(path.c_str()));
+    ASSERT_EQ(context()->err, 0) << context()->errstr;
   }
 
-  redisContext* context() { return connection_.get(); }
+  redisContext* context() { return connection_.connection.get(); }
   std::size_t Join() { return server_->Join(); }
 
   static void Append(std::size_t count, Pipeline* pipeline) {
@@ -68,13 +69,13 @@ class BrokenPipeline : public testing::Test {
   template <typename Flush>
   std::string Printed(const Flush& flush) {
     testing::internal::CaptureStderr();
-    EXPECT_EQ(flush(context()), 0U);
+    EXPECT_EQ(flush(&connection_), 0U);
     return testing::internal::GetCapturedStderr();
   }
 
  private:
   std::unique_ptr<LeavingServer> server_;
-  StoreConnection connection_;
+  Server connection_;
 };
 
 class PipelineToAServerThatLeaves : public BrokenPipeline {
@@ -147,28 +148,28 @@ const std::string kAllAnswers = Repeated(":1\r\n", kItems);
 TEST_F(BrokenPipeline, FailsTheFlushOfValues) {
   ASSERT_NO_FATAL_FAILURE(Connect({"RPUSH", 1, kAllAnswers}));
   for (std::size_t i = 0; i < kItems; ++i) {
-    EXPECT_EQ(PutListItem(nullptr, "key", kValue.c_str()), 1U);
+    EXPECT_EQ(PutListItem(nullptr, "key", {kValue.c_str()}), 1U);
   }
   EXPECT_TRUE(Printed(FlushListBatch) == Repeated(kNoReply, kItems));
-  EXPECT_TRUE(ListBatch.empty());
+  EXPECT_TRUE(Store->ListBatch.empty());
 }
 
 TEST_F(BrokenPipeline, FailsTheFlushOfFields) {
   ASSERT_NO_FATAL_FAILURE(Connect({"HSET", 1, kAllAnswers}));
   for (std::size_t i = 0; i < kItems; ++i) {
-    EXPECT_EQ(PutHashField(nullptr, "key", std::to_string(i).c_str(), kValue.c_str()), 1U);
+    EXPECT_EQ(PutHashField(nullptr, "key", {std::to_string(i).c_str()}, kValue.c_str()), 1U);
   }
   EXPECT_TRUE(Printed(FlushHashBatch) == Repeated(kNoReply, kItems));
-  EXPECT_TRUE(HashBatch.empty());
+  EXPECT_TRUE(Store->HashBatch.empty());
 }
 
 TEST_F(BrokenPipeline, FailsTheFlushOfRemovals) {
   ASSERT_NO_FATAL_FAILURE(Connect({"UNLINK", 1, kAllAnswers}));
   for (std::size_t i = 0; i < kItems; ++i) {
-    EXPECT_EQ(QueueRemoval(nullptr, kValue + std::to_string(i), "", RemoveKey), 1U);
+    EXPECT_EQ(QueueRemoval(nullptr, kValue + std::to_string(i), {}, RemoveKey), 1U);
   }
   EXPECT_TRUE(Printed(FlushRemovalBatch) == Repeated(kNoReply, kItems));
-  EXPECT_TRUE(RemovalBatch.keys.empty());
+  EXPECT_TRUE(Store->RemovalBatch.keys.empty());
 }
 
 TEST_F(BrokenPipeline, FailsTheRemovalOfATreeAtOnce) {
@@ -177,8 +178,7 @@ TEST_F(BrokenPipeline, FailsTheRemovalOfATreeAtOnce) {
     store["/r/" + kValue + std::to_string(i)].value = model::List{"v"};
   }
   ASSERT_NO_FATAL_FAILURE(Connect({"DEL", 1, kAllAnswers}, store));
-  EXPECT_EQ(Printed([](redisContext* context) { return RemoveResourceTree(context, "/r"); }),
-            kNoReply);
+  EXPECT_EQ(Printed([](Server* server) { return RemoveResourceTree(server, "/r"); }), kNoReply);
 }
 
 }  // namespace

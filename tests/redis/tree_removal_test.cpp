@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "redis/tree_removal.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
+#include "store/server.h"
 #include "store/store_fixture.h"
 
 namespace ostrafel {
@@ -16,13 +15,13 @@ namespace {
 
 class TreeRemoval : public StoreTest {
  protected:
-  void Store(const std::initializer_list<const char*>& keys) {
+  void Fill(const std::initializer_list<const char*>& keys) {
     for (const char* key : keys) (void)store.Run(model::Command{"SET", key, "v"});
   }
 };
 
 TEST_F(TreeRemoval, AnEmptyStoreCostsThreeSearches) {
-  EXPECT_EQ(RemoveResourceTree(context(), "/redfish/v1/Systems"), 1U);
+  EXPECT_EQ(RemoveResourceTree(server(), "/redfish/v1/Systems"), 1U);
   EXPECT_EQ(Sent(),
             "keys | /redfish/v1/Systems\n"
             "--\n"
@@ -32,8 +31,8 @@ TEST_F(TreeRemoval, AnEmptyStoreCostsThreeSearches) {
 }
 
 TEST_F(TreeRemoval, AUriThatEndsWithASlashIsSearchedWithoutAnother) {
-  Store({"/redfish/v1/", "/redfish/v1", "/redfish/v1/A", "&&/redfish/v1/", "&&/redfish/v1/A"});
-  EXPECT_EQ(RemoveResourceTree(context(), "/redfish/v1/"), 1U);
+  Fill({"/redfish/v1/", "/redfish/v1", "/redfish/v1/A", "&&/redfish/v1/", "&&/redfish/v1/A"});
+  EXPECT_EQ(RemoveResourceTree(server(), "/redfish/v1/"), 1U);
   EXPECT_EQ(store.Dump(), "string | /redfish/v1 | v\n");
   const std::string sent = Sent();
   EXPECT_EQ(sent.substr(0, 66),
@@ -46,10 +45,10 @@ TEST_F(TreeRemoval, AUriThatEndsWithASlashIsSearchedWithoutAnother) {
 }
 
 TEST_F(TreeRemoval, NeighboursAndTheTwinOfTheUriStay) {
-  Store({"/redfish/v1/Systems", "/redfish/v1/Systems/1", "/redfish/v1/Systems/1/Bios",
-         "&&/redfish/v1/Systems/1/Status", "/redfish/v1/SystemsX", "&&/redfish/v1/Systems",
-         "&&/redfish/v1/SystemsX/A", "/redfish/v1"});
-  EXPECT_EQ(RemoveResourceTree(context(), "/redfish/v1/Systems"), 1U);
+  Fill({"/redfish/v1/Systems", "/redfish/v1/Systems/1", "/redfish/v1/Systems/1/Bios",
+        "&&/redfish/v1/Systems/1/Status", "/redfish/v1/SystemsX", "&&/redfish/v1/Systems",
+        "&&/redfish/v1/SystemsX/A", "/redfish/v1"});
+  EXPECT_EQ(RemoveResourceTree(server(), "/redfish/v1/Systems"), 1U);
   EXPECT_EQ(store.Dump(),
             "string | &&/redfish/v1/Systems | v\n"
             "string | &&/redfish/v1/SystemsX/A | v\n"
@@ -58,8 +57,8 @@ TEST_F(TreeRemoval, NeighboursAndTheTwinOfTheUriStay) {
 }
 
 TEST_F(TreeRemoval, TheKeysOfOnePatternGoInOnePipelineBeforeTheNextSearch) {
-  Store({"/r", "/r/A", "&&/r/B"});
-  EXPECT_EQ(RemoveResourceTree(context(), "/r"), 1U);
+  Fill({"/r", "/r/A", "&&/r/B"});
+  EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U);
   EXPECT_EQ(Sent(),
             "keys | /r\n"
             "--\n"
@@ -76,7 +75,7 @@ TEST_F(TreeRemoval, TheKeysOfOnePatternGoInOnePipelineBeforeTheNextSearch) {
 
 TEST_F(TreeRemoval, EveryKeyHasACommandOfItsOwnInTheOrderFound) {
   recorder.Answer(1, "*3\r\n$1\r\nc\r\n$3\r\na b\r\n$1\r\nc\r\n");
-  EXPECT_EQ(RemoveResourceTree(context(), "/r"), 1U);
+  EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U);
   EXPECT_EQ(Sent(),
             "keys | /r\n"
             "--\n"
@@ -90,50 +89,50 @@ TEST_F(TreeRemoval, EveryKeyHasACommandOfItsOwnInTheOrderFound) {
 }
 
 TEST_F(TreeRemoval, GlobCharactersInTheUriMatchAsGlobs) {
-  Store({"/r1", "/r2", "/r1/A", "&&/r2/A", "/q1"});
-  EXPECT_EQ(RemoveResourceTree(context(), "/r?"), 1U);
+  Fill({"/r1", "/r2", "/r1/A", "&&/r2/A", "/q1"});
+  EXPECT_EQ(RemoveResourceTree(server(), "/r?"), 1U);
   EXPECT_EQ(store.Dump(), "string | /q1 | v\n");
-  Store({"/q1", "/x", "/q2/A"});
-  EXPECT_EQ(RemoveResourceTree(context(), "/q*"), 1U);
+  Fill({"/q1", "/x", "/q2/A"});
+  EXPECT_EQ(RemoveResourceTree(server(), "/q*"), 1U);
   EXPECT_EQ(store.Dump(), "string | /x | v\n");
 }
 
 TEST_F(TreeRemoval, TheAnswersOfDeletionsDoNotMatter) {
   recorder.Answer(0, "*2\r\n$1\r\na\r\n$1\r\nb\r\n");
   recorder.Answer(1, "-ERR no\r\n$-1\r\n");
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(context(), "/r"), 1U); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U); }), "");
 }
 
 TEST_F(TreeRemoval, ARefusedOrMalformedSearchIsPassedOver) {
   recorder.Answer(0, "-NOPERM no\r\n");
   recorder.Answer(1, "*2\r\n$1\r\na\r\n:5\r\n");
   recorder.Answer(2, "+OK\r\n");
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(context(), "/r"), 1U); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U); }), "");
   EXPECT_EQ(Sent(), "keys | /r\n--\nkeys | /r/*\n--\nkeys | &&/r/*\n");
 }
 
 TEST_F(TreeRemoval, AnUnansweredSearchIsPassedOver) {
   recorder.CutAfter(0, 0);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(context(), "/r"), 1U); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U); }), "");
 }
 
 TEST_F(TreeRemoval, AConnectionThatBreaksBeforeTheDeletionsFailsAtOnce) {
-  Store({"/r/A", "/r/B", "/r/C"});
+  Fill({"/r/A", "/r/B", "/r/C"});
   recorder.CutAfter(2, 0);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(context(), "/r"), 0U); }),
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 0U); }),
             "Failed to get reply\n");
 }
 
 TEST_F(TreeRemoval, AConnectionThatBreaksBetweenDeletionsFailsAtOnce) {
-  Store({"/r/A", "/r/B", "/r/C"});
+  Fill({"/r/A", "/r/B", "/r/C"});
   recorder.CutAfter(2, 1);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(context(), "/r"), 0U); }),
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 0U); }),
             "Failed to get reply\n");
 }
 
 TEST_F(TreeRemoval, AnEmptyOrMissingUriIsALogicError) {
-  EXPECT_THROW((void)RemoveResourceTree(context(), ""), std::out_of_range);
-  EXPECT_THROW((void)RemoveResourceTree(context(), nullptr), std::logic_error);
+  EXPECT_THROW((void)RemoveResourceTree(server(), ""), std::out_of_range);
+  EXPECT_THROW((void)RemoveResourceTree(server(), nullptr), std::logic_error);
 }
 
 }  // namespace

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+// What the program tells the person who runs it.
+#ifndef OSTRAFEL_BASE_MESSAGE_H_
+#define OSTRAFEL_BASE_MESSAGE_H_
+
+#include <stdexcept>
+#include <string>
+
+namespace ostrafel {
+
+/// Where messages go. One thread uses it.
+struct MessageState {
+  std::string* collector = nullptr;  ///< Gets them instead of standard error, unless it is null.
+};
+extern MessageState Messages;
+
+/// Prints a message on standard error. format and what follows are those of printf(3). A failure to
+/// print is not reported: nobody could read of it.
+[[gnu::format(printf, 1, 2)]] void PrintMessage(const char* format, ...);
+
+/// Prints "Failed to push data: %s.\n", which says that a string or a list has grown longer than
+/// the standard library takes.
+void PrintLengthError(const std::length_error& error);
+
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_BASE_MESSAGE_H_

@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+// The store that resources are written to, as far as writing needs one: five questions, three
+// flushes and the removal of a tree. A program links one of two: Redis (src/redis) or a store in
+// memory that answers like Redis (src/memory).
+//
+// Unless it says otherwise, an operation returns 1 for success and 0 for failure. Patterns are
+// Redis's globs (KEYS, SCAN MATCH).
+#ifndef OSTRAFEL_STORE_SERVER_H_
+#define OSTRAFEL_STORE_SERVER_H_
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace ostrafel {
+
+/// The store; what it consists of is the linked library's affair. Its owner is the driver.
+struct Server;
+
+// --- Questions: answered at once, before anything that waits in a batch
+// ----------------------------
+
+/// What a key holds.
+enum class KeyType { kNone, kHash, kList, kOther };
+
+/// The type of key (TYPE). Nothing when the server does not answer with a status.
+[[nodiscard]] std::optional<KeyType> AskType(Server* server, const std::string& key);
+
+/// The first element of the list at key (LINDEX). Nothing when there is none or key holds another
+/// type.
+[[nodiscard]] std::optional<std::string> AskFirstElement(Server* server, const std::string& key);
+
+/// True when the hash at key has the field (HEXISTS). An error or a missing answer counts as no.
+[[nodiscard]] bool AskFieldExists(Server* server, const std::string& key, const std::string& field);
+
+/// Takes one name that was found. Returning 0 ends the search.
+using TakeName = std::function<unsigned(const std::string& name)>;
+
+/// Gives take every key that matches pattern (SCAN, so that a large store is not blocked), some
+/// maybe more than once. Returns 0 when an answer is missing or malformed, or take returned 0.
+[[nodiscard]] unsigned FindKeys(Server* server, const std::string& pattern, const TakeName& take);
+
+/// Gives take every field of the hash at key whose name matches pattern (HSCAN); likewise. A key
+/// that does not exist has no fields; one of another type is an error.
+[[nodiscard]] unsigned FindFields(Server* server, const std::string& key,
+                                  const std::string& pattern, const TakeName& take);
+
+// --- Flushes: each sends a batch of Store (store_state.h) as one pipeline
+// --------------------------
+
+/// What a flush says, once, when the server refuses anything of it.
+inline constexpr const char* RemovalFlushFailed =
+    "Some errors occur while removing data from database\n"
+    "The data in database would be incorrect\n";
+inline constexpr const char* HashFlushFailed =
+    "Some errors occur while creating hash data into database\n"
+    "The data in database would be incorrect\n";
+inline constexpr const char* ListFlushFailed =
+    "Some errors occur while creating list data into database\n"
+    "The data in database would be incorrect\n";
+
+/// Sends all of RemovalBatch: an "UNLINK key" for each key, in queue order; then for each list in
+/// ascending byte order an "LREM key 0 value" (0: every equal element) for each value; then for
+/// each hash in ascending byte order an "HDEL key field" for each field.
+///
+/// Returns 1 when every command was answered with an integer, 0 included (there was nothing to
+/// remove), or nothing was pending. Else prints RemovalFlushFailed. The batch is empty afterwards
+/// in either case; what the server had already carried out stays carried out.
+[[nodiscard]] unsigned FlushRemovalBatch(Server* server);
+
+/// Sends all of HashBatch, likewise: one "HSET key field value" per field, keys and fields in
+/// ascending byte order. Its message is HashFlushFailed.
+[[nodiscard]] unsigned FlushHashBatch(Server* server);
+
+/// Sends all of ListBatch, likewise: one "RPUSH key value" per value, keys in ascending byte order,
+/// the values of a key in queue order. An answer below 1 is bad, because RPUSH answers with the
+/// list's new length. Its message is ListFlushFailed.
+[[nodiscard]] unsigned FlushListBatch(Server* server);
+
+// --- The removal of a tree
+// -------------------------------------------------------------------------
+
+/// Deletes, at once, every key of the tree under uri: those that match a pattern of TreePatterns
+/// (layout.h) (KEYS), the keys found for one (DEL, one key each, as one pipeline) before the next
+/// is sent. Returns 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed
+/// is passed over, and what DEL answers does not matter. Returns 0 when the answer to a DEL cannot
+/// be read, or the uri is too long for the standard library (PrintLengthError). Raises out_of_range
+/// for an empty uri.
+[[nodiscard]] unsigned RemoveResourceTree(Server* server, const std::string& uri);
+
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_STORE_SERVER_H_
