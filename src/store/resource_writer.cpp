@@ -26,6 +26,13 @@ bool MarkVisited(const std::string& key) {
   return was_visited;
 }
 
+// Returns name, or raises for a null one the logic_error that std::string raises.
+const char* RequiredName(const char* name) {
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.StringChecker): that is the purpose
+  if (name == nullptr) (void)std::string(name);
+  return name;
+}
+
 unsigned WriteMember(Server* server, const std::string& key, const char* name, json_t* value) {
   if (json_is_object(value)) {
     return WriteObjectProperty(server, key, name, value, ParentKind::kHash);
@@ -139,7 +146,7 @@ unsigned WriteObjectReference(Server* server, const std::string& parent_key,
                               const std::string& name, json_t* value, ParentKind parent) {
   if (!IsLink(value)) return 0;
   if (Store->MergeMode && PruneBeforeLink(server, parent_key, name, parent) == 0) return 0;
-  const char* id = json_string_value(json_object_get(value, IdMember));
+  const std::string id = json_string_value(json_object_get(value, IdMember));
   return PutReference(server, parent_key, ObjectRefMarker, name, id, parent);
 }
 
@@ -160,7 +167,7 @@ unsigned WriteScalarProperty(Server* server, const std::string& key, const char*
 
 unsigned WriteReservedProperty(Server* server, const std::string& key, const char* name,
                                const json_t* value) {
-  if (!IsReservedProperty(name) || !json_is_string(value)) return 0;
+  if (!IsReservedProperty(RequiredName(name)) || !json_is_string(value)) return 0;
   std::string text = json_string_value(value);
   EscapeText(text);
   return PutHashField(server, key, {name}, text);
