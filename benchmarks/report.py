@@ -39,58 +39,68 @@ def ratio(runs, others):
     return statistics.median(a["wall"] / b["wall"] for a, b in zip(runs, others))
 
 
-def seconds(value):
+def milliseconds(value):
     return f"{value * 1e3:,.1f}"
 
 
-def wall_times(tree):
+def labelled_runs(trees):
+    """The label and the measurements of each run of each tree."""
+    return [(f"{tree_name}, {name}", scenario) for tree_name, tree in trees.items()
+            for name, scenario in tree["scenarios"].items()]
+
+
+def wall_times(trees):
+    others = ("redis-cli --pipe", "one at a time", "redis-py")
     rows = []
-    for name, scenario in tree["scenarios"].items():
+    for label, scenario in labelled_runs(trees):
         results = scenario["results"]
-        for contender, runs in results.items():
-            memory = scenario.get("memory", {}).get(contender)
-            rows.append([name if contender == "Ostrafel" else "", contender,
-                         seconds(median(runs, "wall")),
-                         f"{ratio(runs, results['floor']):.2f}",
-                         f"{ratio(results['Ostrafel'], runs):.2f}",
-                         seconds(median(runs, "client")), seconds(median(runs, "server")),
-                         "–" if memory is None else f"{memory:.1f}", len(runs)])
-    return table(["run", "by", "wall, ms", "÷ floor", "Ostrafel ÷ it", "client CPU, ms",
-                  "server CPU, ms", "peak, MiB", "rounds"], rows)
+        ostrafel, floor, *rest = (milliseconds(median(results[name], "wall")) if name in results
+                                  else "–" for name in ("Ostrafel", "floor", *others))
+        rows.append([label, ostrafel, floor, f"{ratio(results['Ostrafel'], results['floor']):.2f}",
+                     *rest, len(results["Ostrafel"])])
+    return table(["wall time, ms", "Ostrafel", "floor", "Ostrafel ÷ floor", *others, "rounds"], rows)
+
+
+def resources(trees):
+    rows = []
+    for label, scenario in labelled_runs(trees):
+        ostrafel, floor = (scenario["results"][name] for name in ("Ostrafel", "floor"))
+        memory = scenario.get("memory", {}).get("Ostrafel")
+        rows.append([label, *(milliseconds(median(results, figure))
+                              for figure in ("client", "server") for results in (ostrafel, floor)),
+                     "–" if memory is None else f"{memory:.1f}"])
+    return table(["CPU time, ms", "client", "floor's client", "server", "floor's server",
+                  "peak memory, MiB"], rows)
 
 
 def work(trees):
     rows = []
-    for tree_name, tree in trees.items():
-        for name, scenario in tree["scenarios"].items():
-            counts = scenario["counts"]
-            rows.append([f"{tree_name}, {name}", thousands(scenario["loaded files"]),
-                         *(thousands(counts[figure])
-                           for figure in ("commands", "round trips", "bytes"))])
-    return table(["run", "files", "commands", "round trips", "bytes"], rows)
+    for label, scenario in labelled_runs(trees):
+        counts = scenario["counts"]
+        rows.append([label, thousands(scenario["loaded files"]),
+                     *(thousands(counts[figure]) for figure in ("commands", "round trips", "bytes"))])
+    return table(["what is sent", "files", "commands", "round trips", "bytes"], rows)
 
 
 def instructions(trees):
     rows = []
-    for tree_name, tree in trees.items():
-        for name, scenario in tree["scenarios"].items():
-            if "instructions" not in scenario:
-                continue
-            counts = scenario["instructions"]
-            main, whole, floor = (counts[kind] for kind in ("main", "whole process", "floor"))
-            rows.append([f"{tree_name}, {name}", f"{floor / 1e6:.2f}", f"{main / 1e6:.2f}",
-                         f"{main / floor:.3f}", f"{whole / 1e6:.2f}", f"{whole / floor:.3f}"])
-    return table(["run", "floor, millions", "main, millions", "main ÷ floor",
-                  "whole process, millions", "whole process ÷ floor"], rows)
+    for label, scenario in labelled_runs(trees):
+        if "instructions" not in scenario:
+            continue
+        counts = scenario["instructions"]
+        main, whole, floor = (counts[kind] for kind in ("main", "whole process", "floor"))
+        rows.append([label, f"{floor / 1e6:.2f}", f"{main / 1e6:.2f}", f"{main / floor:.3f}",
+                     f"{whole / 1e6:.2f}", f"{whole / floor:.3f}"])
+    return table(["millions of instructions", "floor", "main", "main ÷ floor", "whole process",
+                  "whole process ÷ floor"], rows)
 
 
 def results(measured):
-    parts = ["![Wall times beside the floor](performance.svg)"]
-    for name, tree in measured["trees"].items():
-        parts += [f"### {name}: {thousands(tree['files'])} files", wall_times(tree)]
-    parts += ["### Commands", work(measured["trees"]),
-              "### Instructions in user space", instructions(measured["trees"])]
-    return "\n\n".join(parts)
+    trees = measured["trees"]
+    sizes = ", ".join(f"{name}: {thousands(tree['files'])} files" for name, tree in trees.items())
+    return "\n\n".join(["![Wall time of Ostrafel and of other ways to load the same trees]"
+                        "(performance.svg)", f"The trees: {sizes}.", wall_times(trees),
+                        resources(trees), work(trees), instructions(trees)])
 
 
 def per_file(measured):
