@@ -76,7 +76,7 @@ def milliseconds(seconds):
 
 
 def stale_subtrees(bench, is_quick):
-    """An update that writes arrays of objects again, beside ever more keys of others."""
+    """An update that writes arrays of objects again, beside more and more keys of others."""
     document = {f"Array{number}": [{"Name": "element"}] for number in range(ARRAYS)}
     sandbox_server.clear()
     rows = []
@@ -91,7 +91,7 @@ def stale_subtrees(bench, is_quick):
 
 
 def hash_walks(bench, is_quick):
-    """An update that writes some members of one resource that has ever more."""
+    """An update that writes some members of one resource that has more and more."""
     rows = []
     for fields in doubling(64, 256 if is_quick else 8192):
         members = [(f"Member{number}", number) for number in range(fields - len(NOTHING_REMOVED))]
@@ -131,7 +131,7 @@ def long_lists(bench, is_quick):
 
 
 def keys_at_create(bench, is_quick):
-    """A create of one resource beside ever more keys of others."""
+    """A create of one resource beside more and more keys of others."""
     sandbox_server.clear()
     rows = []
     for keys in doubling(4096, 8192 if is_quick else 262144):
@@ -145,7 +145,7 @@ def keys_at_create(bench, is_quick):
 
 
 def whole_trees(bench, is_quick):
-    """Generated racks of ever more nodes: create, and update over itself."""
+    """Generated racks of more and more nodes: create, and update over itself."""
     rows = []
     for nodes in doubling(1, 2 if is_quick else 16):
         tree = bench.make_rack(nodes)

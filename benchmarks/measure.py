@@ -137,7 +137,7 @@ class Scenario:
 
 def scenarios_of(tree, with_updates):
     """(name, action, tree to load, tree that is stored before) of a tree. The one with changes has
-    the same name with -changed or -update behind."""
+    the same name followed by -changed or -update."""
     changed = [path for path in (tree.with_name(tree.name + suffix)
                                  for suffix in ("-changed", "-update")) if path.exists()]
     yield "create", "create", tree, None
@@ -198,7 +198,7 @@ def main():
     parser.add_argument("build", type=pathlib.Path, help="where the programs are")
     parser.add_argument("work", type=pathlib.Path, metavar="WORK")
     parser.add_argument("trees", type=pathlib.Path, nargs="+", help="trees; beside each may lie "
-                        "one of the same name with -changed or -update behind; the last is "
+                        "one of the same name followed by -changed or -update; the last is "
                         "compared with the large one")
     parser.add_argument("--large", type=pathlib.Path, help="the large tree")
     parser.add_argument("--rounds", type=int, default=11)

@@ -67,8 +67,8 @@ class Picture:
 
     def legend(self):
         self.text(16, 26, "Wall time of a run, as a multiple of the floor's", "title")
-        self.text(16, 46, "The line at 1 is the floor: a C program that does nothing but call the two "
-                          "libraries. Shorter is faster.")
+        self.text(16, 46, "The line at 1 is the floor: a C program that does nothing but call the "
+                          "two libraries. Shorter is faster.")
         for place, meaning in enumerate(CONTENDERS.values()):
             y = 60 + 20 * place
             self.lines.append(f'<rect x="16" y="{y}" width="12" height="12" class="c{place}"/>')
@@ -81,8 +81,8 @@ class Picture:
         for tick in range(0, math.floor(self.most) + 1, step):
             self.line(self.x(tick), TOP, self.height, "grid")
             self.text(self.x(tick), self.height + 16, str(tick), anchor="middle")
-        self.text(self.x(self.most / 2), self.height + 36, "× the floor's wall time, median of the rounds",
-                  anchor="middle")
+        self.text(self.x(self.most / 2), self.height + 36,
+                  "× the floor's wall time, median of the rounds", anchor="middle")
         self.lines += drawn
         self.line(self.x(1), TOP, self.height, "floor")
         self.height += 48

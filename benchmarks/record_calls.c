@@ -5,10 +5,10 @@
 // OSTRAFEL_RECORDING names, so that replay.c can make the very same ones.
 //
 // Each call is one record:
-//   'C'  redisCommand         )  followed by the format and then each of its arguments as text,
-//   'A'  redisAppendCommand   )  all with a NUL behind; "%d" is written out in decimal
+//   'C'  redisCommand         )  followed by the format and then each of its arguments as a string,
+//   'A'  redisAppendCommand   )  all with a NUL after them; "%d" is written out in decimal
 //   'G'  redisGetReply
-// No text of a record is without its NUL, and the format's "%" tell how many arguments there are.
+// No string of a record is without its NUL, and the format's "%" tell how many arguments there are.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <hiredis/hiredis.h>

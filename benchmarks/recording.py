@@ -19,12 +19,12 @@ def record(build, arguments, path):
 
 
 def _texts(file):
-    """The texts of a file, which end with a NUL each, without reading it all at once."""
+    """The strings of a file, each of which ends with a NUL, without reading it all at once."""
     rest = b""
     while block := file.read(1 << 20):
         *texts, rest = (rest + block).split(b"\0")
         yield from texts
-    # Behind the last NUL there may still be the letters of calls without texts.
+    # After the last NUL there may still be the letters of calls without strings.
     yield rest
 
 
@@ -33,7 +33,7 @@ def calls_of(path):
     with open(path, "rb") as file:
         texts = _texts(file)
         for text in texts:
-            # The letters of calls without texts stand before the letter of the next one with texts.
+            # Before the letter of a call with strings stand those of calls without any.
             format_text = text.lstrip(b"G")
             for _ in range(len(text) - len(format_text)):
                 yield "G", []

@@ -3,7 +3,7 @@
 
 // The floor: what the two libraries cost. It finds the server with the shell pipeline of
 // src/connection/connection_config.cpp, reads the same files with jansson, through stdio as it is, and makes the same calls of hiredis as a
-// recorded run of Ostrafel (record_calls.c), and nothing else. No text is made, nothing is sorted,
+// recorded run of Ostrafel (record_calls.c), and nothing else. No string is made, nothing is sorted,
 // nothing is kept, and nothing is sent before all of it is formatted.
 //
 // Usage: replay [--round-trips] RECORDING SOCKET FOLDER FILENAME
@@ -41,7 +41,7 @@ static void Fail(const char *what) {
 static struct Call *calls;
 static size_t call_count;
 
-// The next text of a record.
+// The next string of a record.
 static const char *Take(const char **place) {
   const char *text = *place;
   *place += strlen(text) + 1;

@@ -58,7 +58,8 @@ def wall_times(trees):
                                   else "–" for name in ("Ostrafel", "floor", *others))
         rows.append([label, ostrafel, floor, f"{ratio(results['Ostrafel'], results['floor']):.2f}",
                      *rest, len(results["Ostrafel"])])
-    return table(["wall time, ms", "Ostrafel", "floor", "Ostrafel ÷ floor", *others, "rounds"], rows)
+    return table(["wall time, ms", "Ostrafel", "floor", "Ostrafel ÷ floor", *others, "rounds"],
+                 rows)
 
 
 def resources(trees):
@@ -78,7 +79,8 @@ def work(trees):
     for label, scenario in labelled_runs(trees):
         counts = scenario["counts"]
         rows.append([label, thousands(scenario["loaded files"]),
-                     *(thousands(counts[figure]) for figure in ("commands", "round trips", "bytes"))])
+                     *(thousands(counts[figure])
+                       for figure in ("commands", "round trips", "bytes"))])
     return table(["what is sent", "files", "commands", "round trips", "bytes"], rows)
 
 

@@ -5,9 +5,9 @@
 # bash completion for Ostrafel <Action> <StaticDataPath> <URI> [FileName]
 #
 # The action is completed whatever its case; the path to folders and .json files; the file name to
-# the names of .json files that lie in the tree's folders. For the URI one text is offered: the one
+# the names of .json files that lie in the tree's folders. For the URI one word is offered: the one
 # under which the tree's files get the keys that they name themselves. It is taken from the first
-# file, from the top folder down, whose root object has an "@odata.id": that text, less the path of
+# file, from the top folder down, whose root object has an "@odata.id": that id, less the path of
 # the file's folder below the top folder. When no file tells, it is /redfish/v1, where Redfish
 # services begin.
 #
@@ -63,7 +63,7 @@ _ostrafel_split() {
   words+=("$word")
 }
 
-# Offers a text, quoted as the line needs it.
+# Offers a word, quoted as the line needs it.
 _ostrafel_offer() {
   local text=${1:kept} character
   [[ $1 == "$current"* && $1 != *[[:cntrl:]]* ]] || return 0
@@ -102,14 +102,14 @@ _ostrafel_walk() {
 }
 
 # Sets the caller's id to the "@odata.id" of a file's root object, when it is found near the start
-# and a text of plain characters. Members of other objects with the same name do not count. A file
+# and a string of plain characters. Members of other objects with the same name do not count. A file
 # may be made to be slow to read, so the work is counted: the caller's left says how much may still
 # be done.
 _ostrafel_root_id() {
   local found
   found=$(
     { head -c 65536 -- "$1" && echo; } 2>/dev/null | LC_ALL=C awk -v "left=$left" '
-      # Returns what a text stands for; nothing when that is no plain character, or too long.
+      # Returns what a string stands for; nothing when it has other characters, or is too long.
       function unescaped(text,    result, c) {
         if (length(text) > 1024) return ""
         while (match(text, /\\./)) {
@@ -121,7 +121,7 @@ _ostrafel_root_id() {
         result = result text
         return result ~ /[\001-\037\177]/ ? "" : result
       }
-      # Whether the quote behind a text is escaped: an odd number of backslashes stands before it.
+      # Whether the quote after a string is escaped: an odd number of backslashes stands before it.
       function ends_in_escape(text,    i) {
         text = substr(text, length(text) < 1024 ? 1 : length(text) - 1023)
         for (i = length(text); i > 0 && substr(text, i, 1) == "\\"; --i) --left
@@ -135,8 +135,8 @@ _ostrafel_root_id() {
           else if (!--depth) exit
         }
       }
-      # A record is what stands between two quotes: a text, or what is between two texts. Long ones
-      # are cut into pieces, as some awks look through all of a text to find a part of it.
+      # A record is what stands between two quotes: a string, or what is between two strings. Long
+      # ones are cut into pieces, as some awks look through all of a string to find a part of it.
       BEGIN { RS = "\"" }
       NR == 1 && !/^[^][{}:,]*[{]/ { exit }
       (left -= 2 + int(length($0) / 16)) <= 0 { exit }
@@ -208,7 +208,7 @@ _ostrafel_offer_paths() {
     paths+=("$path")
   done
   if ((kept == 0)); then
-    # readline quotes these, and puts a slash behind a folder.
+    # readline quotes these, and puts a slash after a folder.
     COMPREPLY=("${paths[@]}")
     compopt -o filenames 2>/dev/null
     return

@@ -12,7 +12,7 @@ namespace ostrafel {
 
 namespace {
 
-// The key is assigned anew each time, into memory that it has already.
+// The key is assigned again each time, into memory that it has already.
 void MeasureNormalizeKey(benchmark::State& state, const std::string& path,
                          const std::string& normalized) {
   std::string key;

@@ -14,7 +14,7 @@ std::vector<QueueItem> MakeQueueItems(std::size_t items_per_key) {
   std::vector<QueueItem> items;
   items.reserve(kBatchItems);
   for (std::size_t i = 0; i < kBatchItems; ++i) {
-    // Of four digits, so that the order of the numbers is that of the texts.
+    // Of four digits, so that the order of the numbers is that of the strings.
     const std::string number = std::to_string(1000 + i / items_per_key);
     items.push_back({"/redfish/v1/Systems/Node1/Memory/Dimm" + number, fields.at(i % items_per_key),
                      "\"Module " + std::to_string(i) + "\""});

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// What the benchmarks of the batches queue and send: a full batch of texts like those of a tree.
+// What the benchmarks of the batches queue and send: a full batch of strings like those of a tree.
 #ifndef OSTRAFEL_BENCHMARKS_PIECES_QUEUE_ITEMS_H_
 #define OSTRAFEL_BENCHMARKS_PIECES_QUEUE_ITEMS_H_
 

@@ -39,7 +39,7 @@ BENCHMARK_CAPTURE(MeasureRenderValue, true, "true", "true")->Name("RenderValue/t
 BENCHMARK_CAPTURE(MeasureRenderValue, false, "false", "false")->Name("RenderValue/false");
 BENCHMARK_CAPTURE(MeasureRenderValue, null, "null", "null")->Name("RenderValue/null");
 
-// The text is assigned anew each time, into memory that it has already.
+// The string is assigned again each time, into memory that it has already.
 void MeasureReplaceAll(benchmark::State& state, const std::string& text,
                        const std::string& replaced) {
   const std::string from = "\"";
