@@ -7,7 +7,7 @@
 namespace ostrafel {
 
 /// True when a and b (NUL-terminated) have the same length and the same characters after tolower.
-/// Two empty texts are equal.
+/// Two empty strings are equal.
 [[nodiscard]] bool EqualsIgnoreCase(const char* a, const char* b);
 
 }  // namespace ostrafel

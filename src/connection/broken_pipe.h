@@ -9,8 +9,8 @@ namespace ostrafel {
 /// Lets a write to a peer that is gone fail with EPIPE instead of ending the process by SIGPIPE, so
 /// that a run still prints its messages and ends with its status (hiredis sends with write(2)).
 ///
-/// Installs a handler that does nothing. Ignoring the signal would be inherited by the shell behind
-/// popen (POSIX execve keeps ignored signals ignored); a handler is reset there.
+/// Installs a handler that does nothing. Ignoring the signal would be inherited by the shell that
+/// popen starts (POSIX execve keeps ignored signals ignored); a handler is reset there.
 void SurviveBrokenPipe();
 
 }  // namespace ostrafel

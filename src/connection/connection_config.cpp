@@ -37,8 +37,8 @@ std::optional<std::string> ReadLine(std::FILE* file) {
   return std::string(line.data());
 }
 
-// Nothing when the shell cannot be started. Without a "unixsocket " line the directory is the empty
-// text, and the runtime files are then looked for in the root directory.
+// Nothing when the shell cannot be started. Without a "unixsocket " line the directory is the
+// empty string, and the runtime files are then looked for in the root directory.
 std::optional<std::string> FindRuntimeDirectory() {
   // The server's own configuration is the one place that says where its files are.
   const Pipe pipe(popen(kRuntimeDirectoryCommand, "r"));  // NOLINT(cert-env33-c)
@@ -46,7 +46,7 @@ std::optional<std::string> FindRuntimeDirectory() {
   return ReadLine(pipe.get()).value_or("");
 }
 
-// The port's text as a number; nothing when it is not one.
+// The port as a number; nothing when it is not one.
 std::optional<std::int32_t> ParsePort(const std::string& text) {
   const auto is_accepted = [](char c) { return (c >= '0' && c <= '9') || c == '\n'; };
   if (text.empty() || !std::all_of(text.begin(), text.end(), is_accepted)) return std::nullopt;

@@ -6,7 +6,7 @@
 
 namespace ostrafel {
 
-/// The command line by name. All texts are borrowed from argv.
+/// The command line by name. All strings are borrowed from argv.
 struct Arguments {
   const char* action = nullptr;            ///< "create" or "update", in any case.
   const char* static_data_path = nullptr;  ///< A .json file or a directory.

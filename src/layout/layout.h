@@ -14,7 +14,7 @@
 //   hash  &&/r/Fans/1     x                            true
 //
 // - An object's members are the fields of a hash, an array's elements the values of a list. A
-//   scalar is the text that RenderValue makes of it.
+//   scalar is the string that RenderValue makes of it.
 // - A nested object or array has a key of its own and a reference record in its parent. In a hash
 //   the record is a field whose name holds marker, member name and target, with an empty value, so
 //   that one HKEYS shows every child; in a list it is a value of marker and target.

@@ -61,7 +61,7 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
 }
 
 void EscapeText(std::string& text) {
-  // Hardly any text has either.
+  // Hardly any string has either.
   if (text.find('\\') == std::string::npos && text.find('"') == std::string::npos) return;
   ReplaceAll(text, "\\", "\\\\");
   ReplaceAll(text, "\"", "\\\"");

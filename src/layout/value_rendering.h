@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// The stored text of a scalar JSON value.
+// The stored form of a scalar JSON value.
 #ifndef OSTRAFEL_LAYOUT_VALUE_RENDERING_H_
 #define OSTRAFEL_LAYOUT_VALUE_RENDERING_H_
 
@@ -14,10 +14,10 @@ namespace ostrafel {
 /// Renders a scalar as it is stored:
 ///   string   in double quotes, a backslash before every backslash and double quote, nothing else
 ///            escaped
-///   integer  truncated to 32 bits at the nearer bound (readers hold it in 32 bits), in decimal
+///   integer  clamped to 32 bits (readers hold it in 32 bits), in decimal
 ///   real     as printf's "%f", less its trailing zeros; the point stays: 5.0 is "5."
 ///   true, false, null  the word
-/// Returns the empty text for a null handle, an object or an array. No scalar's text is empty. The
+/// Returns the empty string for a null handle, an object or an array; no scalar's is empty. The
 /// value is borrowed.
 [[nodiscard]] std::string RenderValue(const json_t* value);
 

@@ -29,7 +29,7 @@ enum class LoadEnd {
 
 struct LoadOutcome {
   LoadEnd end = LoadEnd::kDone;
-  std::string text = {};  ///< The file's path; of kLogicError the library's word.
+  std::string text = {};  ///< The file's path; of kLogicError, what the library says.
 };
 
 /// A resource as it will be written, or why it will not.

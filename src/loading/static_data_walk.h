@@ -13,14 +13,14 @@ namespace ostrafel {
 /// What is wrong with a path that is looked at.
 enum class PathProblem {
   kNotChecked,  ///< stat failed. A walk passes the path over.
-  kNoName,      ///< The standard library cannot take its name; text is the library's word for it.
-  kNotListed,   ///< It does not fit into the list; likewise. A walk ends.
+  kNoName,      ///< The standard library refuses its name.
+  kNotListed,   ///< The standard library refuses it in the list. A walk ends.
   kNotOpened,   ///< A folder that cannot be opened or read to its end. A walk ends.
 };
 
 struct PathNote {
   PathProblem problem;
-  std::string text;  ///< The path, or the library's word.
+  std::string text;  ///< The path; for the library's refusals, what the library says.
 };
 
 /// The work of a load, in order: entry i of paths is the file to read, entry i of keys the key that
