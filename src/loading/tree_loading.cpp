@@ -47,7 +47,7 @@ LoadOutcome LoadTree(Server* server, const LoadRequest& request) {
   if (listed != LoadEnd::kDone) return {listed};
 
   for (std::size_t i = 0; i < list.keys.size(); ++i) {
-    const LoadOutcome outcome = LoadResource(server, list.paths[i], list.keys[i]);
+    LoadOutcome outcome = LoadResource(server, list.paths[i], list.keys[i]);
     if (outcome.end != LoadEnd::kDone) return outcome;
   }
   if (!FlushAllBatches(server)) return {LoadEnd::kNotFlushed};
