@@ -57,8 +57,8 @@ def instructions(command, function=None):
 
 
 def built(build, name):
-    """The path of a program or library that scripts/benchmark builds."""
+    """The path of a program or library that scripts/dev/benchmark builds."""
     path = build / name
     if not path.exists():
-        sys.exit(f"{path} is missing: scripts/benchmark builds it.")
+        sys.exit(f"{path} is missing: scripts/dev/benchmark builds it.")
     return path

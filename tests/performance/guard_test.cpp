@@ -151,16 +151,17 @@ class Guard : public FaultTest {
             << counted.round_trips << " round trips, expected " << expected.round_trips << "\n";
     std::cout << summary.str();
 
-    const std::string advice = summary.str() + Describe(figures.recorded_with, here) +
-                               "What costs: callgrind_annotate " + KeptOutput(action) +
-                               "\nIf it is worth that, record new figures: scripts/guard --update";
+    const std::string advice =
+        summary.str() + Describe(figures.recorded_with, here) + "What costs: callgrind_annotate " +
+        KeptOutput(action) +
+        "\nIf it is worth that, record new figures: scripts/dev/guard --update";
     EXPECT_TRUE(counted.commands == expected.commands &&
                 counted.round_trips == expected.round_trips)
         << advice;
     if (!is_comparable) GTEST_SKIP() << "instructions were recorded for another processor";
     EXPECT_LE(excess, kTolerance) << advice;
     if (excess < -kTolerance) {
-      std::cout << "Quicker than recorded; scripts/guard --update keeps it so.\n";
+      std::cout << "Quicker than recorded; scripts/dev/guard --update keeps it so.\n";
     }
   }
 };

@@ -218,4 +218,4 @@ class MutantBuild:
 
 
 def repository_of(script):
-    return pathlib.Path(script).resolve().parent.parent
+    return pathlib.Path(script).resolve().parents[2]
