@@ -17,27 +17,27 @@
 #include <stdlib.h>
 #include <string.h>
 
-static FILE *recording;
+static FILE* recording;
 static int depth;  // redisCommand calls redisGetReply itself
 
-static void Put(const char *text) { (void)fwrite(text, 1, strlen(text) + 1, recording); }
+static void Put(const char* text) { (void)fwrite(text, 1, strlen(text) + 1, recording); }
 
-static void Record(char call, const char *format, va_list arguments) {
+static void Record(char call, const char* format, va_list arguments) {
   if (recording == NULL) {
-    const char *path = getenv("OSTRAFEL_RECORDING");
+    const char* path = getenv("OSTRAFEL_RECORDING");
     recording = path == NULL ? NULL : fopen(path, "w");
     if (recording == NULL) abort();
   }
   (void)fputc(call, recording);
   if (format == NULL) return;
   Put(format);
-  for (const char *place = strchr(format, '%'); place != NULL; place = strchr(place + 1, '%')) {
+  for (const char* place = strchr(format, '%'); place != NULL; place = strchr(place + 1, '%')) {
     if (place[1] == 'd') {
       char digits[16];
       (void)snprintf(digits, sizeof digits, "%d", va_arg(arguments, int));
       Put(digits);
     } else {
-      Put(va_arg(arguments, const char *));
+      Put(va_arg(arguments, const char*));
     }
   }
 }
@@ -49,20 +49,20 @@ static void RecordReply(char call, ...) {
   va_end(none);
 }
 
-void *redisCommand(redisContext *context, const char *format, ...) {
+void* redisCommand(redisContext* context, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
   Record('C', format, arguments);
   va_end(arguments);
   va_start(arguments, format);
   ++depth;
-  void *reply = redisvCommand(context, format, arguments);
+  void* reply = redisvCommand(context, format, arguments);
   --depth;
   va_end(arguments);
   return reply;
 }
 
-int redisAppendCommand(redisContext *context, const char *format, ...) {
+int redisAppendCommand(redisContext* context, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
   Record('A', format, arguments);
@@ -73,9 +73,9 @@ int redisAppendCommand(redisContext *context, const char *format, ...) {
   return status;
 }
 
-int redisGetReply(redisContext *context, void **reply) {
-  static int (*next)(redisContext *, void **);
-  if (next == NULL) next = (int (*)(redisContext *, void **))dlsym(RTLD_NEXT, "redisGetReply");
+int redisGetReply(redisContext* context, void** reply) {
+  static int (*next)(redisContext*, void**);
+  if (next == NULL) next = (int (*)(redisContext*, void**))dlsym(RTLD_NEXT, "redisGetReply");
   if (depth == 0) RecordReply('G');
   return next(context, reply);
 }
