@@ -59,7 +59,7 @@ start_server() {  # in the root directory, as services are
     >"$work/server.log" 2>&1 &
   server=$!
   local deadline=$((SECONDS + 20))
-  until grep -qi 'ready to accept connections' "$work/server.log"; do
+  until [[ $(<"$work/server.log") == *'eady to accept connections'* ]]; do
     if ! kill -0 "$server" 2>/dev/null || ((SECONDS > deadline)); then
       stop_server
       return 1
@@ -103,6 +103,7 @@ if command -v busybox >/dev/null; then
 fi
 for tool in mawk gawk original-awk; do
   command -v "$tool" >/dev/null || continue
+  [[ ! $(type -P "$tool") -ef $(type -P awk) ]] || continue  # the machine's own
   mkdir "$work/$tool"
   ln -s "$(command -v "$tool")" "$work/$tool/awk"
   launcher[$tool]="env PATH=$work/$tool:$PATH /bin/sh"
