@@ -11,6 +11,7 @@ foreach(test commands_test machine_test)
 endforeach()
 set_tests_properties(documents.machine_test PROPERTIES
   FIXTURES_REQUIRED packages
+  COST 500
   ENVIRONMENT "OSTRAFEL_PACKAGES=${packages};OSTRAFEL_MACHINE_CACHE=${PROJECT_BINARY_DIR}/machines")
 # Two of these build the release, as one does who follows the documents, and one installs it.
 set_tests_properties(documents.commands_test scripts.demo_test installation PROPERTIES

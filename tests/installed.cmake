@@ -6,7 +6,7 @@
 set(installed ${PROJECT_BINARY_DIR}/installed)
 add_test(NAME installation COMMAND sh -c
   "rm -rf '${installed}' && '${CMAKE_COMMAND}' --install '${PROJECT_BINARY_DIR}' --prefix '${installed}'")
-set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation)
+set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation COST 2000)
 
 foreach(script
     completion/bash_test
@@ -27,3 +27,4 @@ foreach(script
     SKIP_REGULAR_EXPRESSION "${skipped_regex}"
     TIMEOUT 600)
 endforeach()
+set_tests_properties(service.reading_test PROPERTIES COST 500)  # takes longest

@@ -7,6 +7,7 @@ set(packages ${PROJECT_BINARY_DIR}/packages)
 add_test(NAME package.build COMMAND ${PROJECT_SOURCE_DIR}/tests/package/build_test ${packages})
 set_tests_properties(package.build PROPERTIES
   FIXTURES_SETUP packages
+  COST 2000
   SKIP_REGULAR_EXPRESSION "${skipped_regex}"
   TIMEOUT 600)
 
@@ -16,6 +17,7 @@ foreach(test package_test reproducible_test install_test autopkgtest_test piupar
     FIXTURES_REQUIRED packages
     ENVIRONMENT "OSTRAFEL_PACKAGES=${packages};OSTRAFEL_MACHINE_CACHE=${PROJECT_BINARY_DIR}/machines"
     SKIP_REGULAR_EXPRESSION "${skipped_regex}"
+    COST 500
     TIMEOUT 1200)
 endforeach()
 
@@ -25,6 +27,7 @@ set_tests_properties(yocto.boot_test PROPERTIES
   FIXTURES_REQUIRED installation
   ENVIRONMENT "OSTRAFEL_INSTALLED=${installed};OSTRAFEL_MACHINE_CACHE=${PROJECT_BINARY_DIR}/machines"
   SKIP_REGULAR_EXPRESSION "${skipped_regex}"
+  COST 500
   TIMEOUT 600)
 
 # The next release, with either of its servers. What takes longest begins first.

@@ -3,7 +3,8 @@
 #
 # Lists, from a report that ctest writes in JUnit's form, the tests that were skipped, each with the
 # reason: what GoogleTest prints after "Skipped", what a test in shell prints after "# SKIP", or what
-# ctest itself says. Of a test in shell that ran, the checks that it skipped are listed.
+# ctest itself says. Of a test in shell that ran, the checks that it skipped are listed; of a suite of
+# GoogleTest's, its tests by their names.
 
 function attribute(name,   found) {
   if (!match($0, " " name "=\"[^\"]*\"")) return ""
@@ -63,9 +64,10 @@ in_output {
     add_reason(line)
   } else if (in_reason) {
     if (line ~ /^$|^\[/) in_reason = 0
-    else if (in_reason++ == 1) add_reason(line)
+    else if (in_reason++ == 1) add_reason(running ": " line)
     else reasons[reason_count] = reasons[reason_count] " " line
-  } else if (line ~ /: Skipped$/) in_reason = 1
+  } else if (sub(/^\[ RUN +\] /, "", line)) running = line
+  else if (line ~ /: Skipped$/) in_reason = 1
 }
 
 /<\/system-out>/ { in_output = 0 }
