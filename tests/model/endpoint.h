@@ -34,7 +34,7 @@ class Endpoint {
   virtual ~Endpoint() = default;
 
   /// Sends the commands and returns their replies in order. Fewer replies than commands: the
-  /// connection broke behind the last one.
+  /// connection broke after the last one.
   virtual std::vector<Reply> Exchange(const std::vector<Command>& flight) = 0;
 };
 

@@ -9,7 +9,7 @@
 namespace model {
 namespace {
 
-// Reads the set that starts just behind the "[" at `position`, moves `position` behind the set and
+// Reads the set that starts just after the "[" at `position`, moves `position` past the set and
 // tells whether the byte is in it.
 bool ByteIsInSet(const std::string& pattern, std::size_t& position, char byte) {
   bool negated = false;

@@ -23,13 +23,13 @@ std::string DerivedKey(const std::string& parent_key, const std::string& name);
 /// The pattern of all keys below the key: a slash is added unless the key ends with one.
 std::string PatternBelow(const std::string& key);
 
-/// True when the text begins with the prefix.
+/// True when the string begins with the prefix.
 bool StartsWith(const std::string& text, const std::string& prefix);
 
 /// True for the names whose string values are stored without quotes.
 bool IsReserved(const std::string& name);
 
-/// The text with a backslash in front of every backslash and double quote.
+/// The string with a backslash before every backslash and double quote.
 std::string Escaped(const std::string& text);
 
 /// The stored text of a scalar; empty for an object or an array.

@@ -42,7 +42,7 @@ Reply MatchingKeys(const Store& store, const std::string& pattern) {
   return ArrayReply(names);
 }
 
-// The text behind the option word (MATCH), or the pattern that lists everything.
+// What follows the option word (MATCH), or the pattern that lists everything.
 std::string PatternOption(const Command& command, std::size_t first_option) {
   for (std::size_t i = first_option; i + 1 < command.size(); i += 2) {
     if (command[i] == "MATCH") return command[i + 1];

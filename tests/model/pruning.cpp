@@ -68,7 +68,7 @@ bool RemoveMatchingFields(RunState& run, const std::string& key, const std::stri
   return true;
 }
 
-// A marker counts as one only with something behind it.
+// A marker counts as one only with something after it.
 bool IsReference(const std::string& element) {
   for (const std::string& marker : {kArrayMarker, kObjectMarker, kObjectRefMarker}) {
     if (element.size() > marker.size() && StartsWith(element, marker)) return true;

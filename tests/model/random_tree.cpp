@@ -25,7 +25,7 @@ const std::string& Pick(std::mt19937_64& generator, const std::vector<std::strin
   return pool[Below(generator, pool.size())];
 }
 
-// Plain names come often, the ones with a catch (blanks, which make the link pattern of "A" match
+// Plain names come often, the ones with a catch (spaces, which make the link pattern of "A" match
 // the links of "A B"; glob characters; slashes; indices; reserved names) now and then.
 const std::vector<std::string> kPlainNames = {"A", "B", "Status", "Links"};
 const std::vector<std::string> kCatchyNames = {
@@ -120,7 +120,7 @@ class DocumentGrower {
     }
     if (!OneIn(generator_, 30)) AddMembers(members, 1 + Below(generator_, options_.members), 0);
     if (options_.bulk != 0) members.push_back("\"Bulk\": " + Bulk());
-    // The bulk and the id stand anywhere: what comes behind them matters.
+    // The bulk and the id stand anywhere: what comes after them matters.
     for (std::size_t i = members.size(); i > 1; --i) {
       std::swap(members[i - 1], members[Below(generator_, i)]);
     }

@@ -50,7 +50,7 @@ struct RandomTreeOptions {
   std::size_t include_one_in = 4;
 };
 
-/// The text of one random JSON object that is to be loaded to `key`. Names, ids and kinds come from
+/// One random JSON object that is to be loaded to `key`. Names, ids and kinds come from
 /// small pools, so that two documents for one key often meet in the same names with other kinds.
 /// With options.bulk the object has the bulk member.
 ///
@@ -62,7 +62,7 @@ std::string RandomDocument(std::mt19937_64& generator, const RandomTreeOptions& 
 /// One folder of static data.
 struct TreeFolder {
   std::string path;                     ///< Below the top folder: "" for that one, else "/A/B".
-  std::optional<std::string> document;  ///< The text of its file, when it has one.
+  std::optional<std::string> document;  ///< What its file holds, when it has one.
 };
 
 /// A tree of static data as a value, its folders in the order in which they are made.

@@ -10,7 +10,7 @@
 
 namespace model {
 
-/// One Redis command: its name and its arguments, each a text of its own.
+/// One Redis command: its name and its arguments, each a string of its own.
 using Command = std::vector<std::string>;
 
 /// One Redis reply. Which of the other members count depends on the type: `text` for a status, an
@@ -35,7 +35,7 @@ inline Reply StatusReply(std::string text) {
   return {Reply::Type::kStatus, std::move(text), 0, {}};
 }
 
-/// An error; the text begins with the error's code word.
+/// An error; it begins with the error's code word.
 inline Reply ErrorReply(std::string text) { return {Reply::Type::kError, std::move(text), 0, {}}; }
 
 /// A number.

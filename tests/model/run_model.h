@@ -11,7 +11,7 @@
 
 namespace model {
 
-/// What a run leaves behind besides the store: both outputs and the status that the shell sees.
+/// What a run leaves besides the store: both outputs and the status that the shell sees.
 struct Outcome {
   std::string out;
   std::string err;

@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "model/json_value.h"
-#include "model/scratch_folder.h"
 #include "model/shrink_json.h"
 #include "model/shrink_list.h"
+#include "support/temp_directory.h"
 
 namespace model {
 namespace {
@@ -20,7 +20,7 @@ namespace {
 struct OutOfTime {};
 
 std::optional<JsonValue> Parse(const std::string& document) {
-  const ScratchFolder folder;  // the model reads documents from files only
+  const TempDirectory folder;  // the model reads documents from files only
   std::string ignored;
   return LoadJson(folder.Write("document.json", document), ignored);
 }
@@ -54,7 +54,7 @@ void ChangeTexts(JsonValue& value, const Change& change) {
   for (JsonValue& element : value.elements) ChangeTexts(element, change);
 }
 
-// Offers every name, path and text of the sequence to `change`.
+// Offers every name, path and string of the sequence to `change`.
 void ChangeTexts(Sequence& sequence, const Change& change) {
   for (PlannedRun& run : sequence) {
     change(run.uri);
@@ -130,7 +130,7 @@ class Search {
       candidate[run].tree[folder].document = JsonText(simpler);
       return Accepts(candidate);
     };
-    (void)accepts(*document);  // without the blanks
+    (void)accepts(*document);  // without the spaces
     (void)ShrinkJson(*document, accepts);
   }
 

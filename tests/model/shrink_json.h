@@ -11,7 +11,7 @@
 
 namespace model {
 
-/// The value as JSON without needless blanks, its members in their order.
+/// The value as JSON without needless spaces, its members in their order.
 std::string JsonText(const JsonValue& value);
 
 /// Makes the value simpler step by step as long as `accepts` takes the whole result: replaces it,

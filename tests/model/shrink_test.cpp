@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "model/model_fixture.h"
 #include "model/shrink_json.h"
 #include "model/shrink_list.h"
+#include "support/temp_directory.h"
 
 namespace model {
 namespace {
@@ -42,7 +42,7 @@ bool HasMember(const JsonValue& value, const std::string& name, JsonValue::Kind 
          std::any_of(value.elements.begin(), value.elements.end(), has_element);
 }
 
-class ShrinkTest : public ModelTest {
+class ShrinkTest : public testing::Test {
  protected:
   JsonValue Parse(const std::string& text) {
     std::string err;
@@ -60,6 +60,9 @@ class ShrinkTest : public ModelTest {
     }
     return false;
   }
+
+ private:
+  TempDirectory folder;
 };
 
 TEST(ShrinkList, KeepsExactlyWhatIsNeeded) {
@@ -74,10 +77,6 @@ TEST(ShrinkList, KeepsExactlyWhatIsNeeded) {
   };
   EXPECT_EQ(ShrinkList(items, needed), (std::vector<int>{17, 900}));
   EXPECT_LT(asked, 100);  // halves before single items
-}
-
-TEST(ShrinkList, KeepsEverythingWhenNothingIsAccepted) {
-  EXPECT_EQ(ShrinkList(std::string("abc"), [](const std::string&) { return false; }), "abc");
 }
 
 TEST_F(ShrinkTest, JsonTextIsReadBackAsTheSameValue) {
@@ -142,31 +141,6 @@ TEST_F(ShrinkTest, NamesThatMustAgreeAreShortenedTogether) {
             "  TREE/a/index.json: {\"@odata.id\":\"/b/a\"}\n");
 }
 
-TEST_F(ShrinkTest, ABentRuleOfPruningIsShownInTwoSmallRuns) {
-  // As if an update never had to remove a key.
-  const auto fails = [&](const Sequence& candidate) {
-    store.clear();
-    for (const PlannedRun& run : candidate) {
-      const Store before = store;
-      const ScratchFolder top;
-      WriteTree(run.tree, top.Path(), "index.json");
-      (void)Play({run.action, top.Path(), run.uri});
-      if (run.action != "update") continue;
-      for (const auto& entry : before) {
-        if (store.count(entry.first) == 0) return true;
-      }
-    }
-    return false;
-  };
-  const Sequence sequence = RandomSequence(4, 4);
-  ASSERT_TRUE(fails(sequence));
-  const Shrunk shrunk = Shrink(sequence, fails, kLongEnough);
-  EXPECT_TRUE(fails(shrunk.sequence));
-  EXPECT_EQ(shrunk.sequence.size(), 2U);
-  EXPECT_LT(Describe(shrunk.sequence).size(), 120U) << Describe(shrunk.sequence);
-  EXPECT_GT(Describe(sequence).size(), 2000U);
-}
-
 TEST_F(ShrinkTest, TheSearchEndsWhenTheTimeIsUp) {
   const Sequence sequence = RandomSequence(5, 4);
   const auto start = std::chrono::steady_clock::now();
@@ -179,17 +153,6 @@ TEST_F(ShrinkTest, TheSearchEndsWhenTheTimeIsUp) {
   EXPECT_FALSE(shrunk.is_whole);
   EXPECT_LE(shrunk.attempts, 21U);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-}
-
-TEST(DescribeSequence, ShowsCommandsAndFiles) {
-  const Sequence sequence = {{"create", "/r", {{"", "{}"}, {"/A", std::nullopt}}},
-                             {"update", "/r", {{"/A/B", R"({"x":1})"}}}};
-  EXPECT_EQ(Describe(sequence, "f.json"),
-            "Ostrafel create TREE /r\n"
-            "  TREE/f.json: {}\n"
-            "  TREE/A/\n"
-            "Ostrafel update TREE /r\n"
-            "  TREE/A/B/f.json: {\"x\":1}\n");
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ enum class Ending { kFin, kRst };
 struct Delivery {
   std::string bytes;
   bool is_byte_by_byte = false;  ///< Each byte when the client has read the one before.
-  bool is_last = false;          ///< The connection is closed behind the bytes.
+  bool is_last = false;          ///< The connection is closed after the bytes.
   Ending ending = Ending::kFin;
   /// Nothing is sent; the client, which must be a process of its own, is killed where it waits.
   bool kills_client = false;

@@ -13,7 +13,7 @@ inline constexpr const char* kSuccessLine = ">>> Ostrafel parsing successfully.\
 /// The command that runs the program under test with these arguments. Two variables of the
 /// environment change it, so that one set of tests serves every build:
 ///   OSTRAFEL_PROGRAM   another binary than the one of this build, for example one for ARM
-///   OSTRAFEL_LAUNCHER  a command, its words parted by blanks, that is given the binary and the
+///   OSTRAFEL_LAUNCHER  a command, its words separated by spaces, that is given the binary and the
 ///                      arguments, for example "/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf"; in
 ///                      a build for another processor that is its emulator anyway
 std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments);

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string>
 
-/// The text so many times in a row.
+/// The string so many times in a row.
 inline std::string Repeated(const std::string& text, std::size_t count) {
   std::string all;
   all.reserve(text.size() * count);

@@ -44,7 +44,7 @@ class ScriptedServer : private FlightHandler {
   /// back.
   void CloseBeforeReply(std::size_t command, Ending ending);
 
-  /// Closes the connection behind the reply of this command, without waiting for another. Later
+  /// Closes the connection after the reply of this command, without waiting for another. Later
   /// commands that travelled with it reach the store.
   void CloseAfterReply(std::size_t command, Ending ending);
 
@@ -52,7 +52,7 @@ class ScriptedServer : private FlightHandler {
   void CloseAfterBytes(std::size_t bytes, Ending ending);
 
   /// Kills the client, which must be a process of its own, when this command has come. The store
-  /// gets the commands up to this one and none of those that travelled behind it, as if the client
+  /// gets the commands up to this one and none of those that travelled after it, as if the client
   /// had come no further with sending.
   void KillClientAfter(std::size_t command);
 

@@ -14,7 +14,7 @@ unsigned long TestFactor() {
   const std::string text = value;
   const char* const end = text.data() + text.size();
   unsigned long factor = 0;
-  // Takes neither blanks nor a sign.
+  // Takes neither spaces nor a sign.
   const auto [rest, error] = std::from_chars(text.data(), end, factor);
   if (error != std::errc() || rest != end || factor == 0) {
     throw std::invalid_argument("OSTRAFEL_TEST_SEEDS is no positive number: \"" + text + "\"");

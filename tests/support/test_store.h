@@ -22,7 +22,7 @@ class TestStore {
   /// Sends one command, argument by argument, and returns the reply. Throws when there is none.
   model::Reply Run(const model::Command& command);
 
-  /// Likewise, from a line whose arguments are parted by bars as in Dump: "HSET | /r | A | 1".
+  /// Likewise, from a line whose arguments are separated by bars as in Dump: "HSET | /r | A | 1".
   model::Reply Run(const std::string& line);
 
   /// Everything that is stored.
