@@ -11,39 +11,32 @@ namespace {
 
 class CommandLine : public SystemTest {};
 
-TEST_F(CommandLine, WithoutArgumentsOnlyTheUsageIsPrinted) {
-  ExpectFailure({}, kUsageText);
-  EXPECT_EQ(recording.connections, 0);
-}
-
-TEST_F(CommandLine, AWrongNumberOfArgumentsIsRefusedBeforeConnecting) {
-  const std::vector<std::vector<std::string>> cases = {
-      {"create"}, {"create", "d"}, {"create", "d", "/r", "f", "more"}};
-  for (const auto& arguments : cases) {
-    ExpectFailure(arguments, std::string("Incorrect arguments number.\n") + kUsageText);
-    EXPECT_EQ(recording.connections, 0);
-  }
-}
-
-TEST_F(CommandLine, AnEmptyArgumentIsRefusedBeforeConnecting) {
-  const std::vector<std::vector<std::string>> cases = {
-      {"", "d", "/r"}, {"create", "", "/r"}, {"create", "d", ""}, {"", "", "", ""}};
-  for (const auto& arguments : cases) {
-    ExpectFailure(arguments,
-                  std::string("The required property <Action> <StaticDataPath> <URI> should be a "
-                              "non-empty string.\n") +
-                      kUsageText);
-    EXPECT_EQ(recording.connections, 0);
-  }
-}
-
-TEST_F(CommandLine, AnUnknownActionIsRefusedAfterConnecting) {
+TEST_F(CommandLine, IsRefusedBeforeConnectingButForAnUnknownAction) {
+  const std::string number = "Incorrect arguments number.\n";
+  const std::string empty =
+      "The required property <Action> <StaticDataPath> <URI> should be a non-empty string.\n";
+  const std::string action = "Invalid Action parameter.\n";
   tree.Write("index.json", R"({"A": 1})");
-  for (const char* action : {"creates", "delete", "creat", "create ", "updat\xC9"}) {
-    ExpectFailure({action, tree.path(), "/r"},
-                  std::string("Invalid Action parameter.\n") + kUsageText);
-    EXPECT_EQ(recording.connections, 1) << action;
-    EXPECT_EQ(Sent(), "") << action;
+  const struct {
+    std::vector<std::string> arguments;
+    std::string err;
+  } cases[] = {{{}, ""},
+               {{"create"}, number},
+               {{"create", "d"}, number},
+               {{"create", "d", "/r", "f", "more"}, number},
+               {{"", "d", "/r"}, empty},
+               {{"create", "", "/r"}, empty},
+               {{"create", "d", ""}, empty},
+               {{"", "", "", ""}, empty},
+               {{"creates", tree.path(), "/r"}, action},
+               {{"delete", tree.path(), "/r"}, action},
+               {{"creat", tree.path(), "/r"}, action},
+               {{"create ", tree.path(), "/r"}, action},
+               {{"updat\xC9", tree.path(), "/r"}, action}};
+  for (const auto& c : cases) {
+    ExpectFailure(c.arguments, c.err + kUsageText);
+    EXPECT_EQ(recording.connections, c.err == action ? 1 : 0);
+    EXPECT_EQ(Sent(), "");
   }
 }
 

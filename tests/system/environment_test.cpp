@@ -126,13 +126,15 @@ TEST_F(Environment, ClosedStandardDescriptorsChangeNothing) {
       EXPECT_EQ(run.status, 0) << closed_descriptors;
       EXPECT_EQ(store.Dump(), kDump) << closed_descriptors;
     }
-    const Finished failed = Ostrafel({"update", "/nowhere", "/r"}, options);
+    // A message that got into the connection would be a command there.
+    const Finished failed = Ostrafel({"update", "/x\nFLUSHALL\ny", "/r"}, options);
     EXPECT_EQ(failed.out, "");
     EXPECT_EQ(failed.err, (closed_descriptors & 4) != 0
                               ? ""
-                              : "Failed to check path /nowhere.\n"
+                              : "Failed to check path /x\nFLUSHALL\ny.\n"
                                 "Input path should be a file or directory\n");
     EXPECT_EQ(failed.status, 255);
+    EXPECT_EQ(Sent(), "") << closed_descriptors;
     EXPECT_EQ(store.Dump(), kDump) << closed_descriptors;
   }
 }

@@ -4,13 +4,14 @@
 // Names, texts and numbers that a document may hold and that something on the way could take for
 // more than data.
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "system/system_fixture.h"
 
 namespace {
 
-// A text as the document holds it and as the store does.
+// A string as the document holds it and as the store does.
 struct Hostile {
   std::string json;    // between the quotes
   std::string text;    // of a name: as it is
@@ -53,15 +54,6 @@ const std::vector<Hostile> kHostileTexts = {
 
 class HostileInput : public SystemTest {
  protected:
-  void ExpectRefused(const std::string& document, const std::string& parser_line) {
-    const std::string file = tree.Write("a.json", document);
-    const std::string err = "error: on line " + parser_line + "\nThe content of " + file +
-                            " is not a valid JSON data.\n";
-    ExpectFailure({"create", file, "/r"}, err);
-    ExpectFailure({"update", file, "/r"}, err);
-    EXPECT_EQ(store.Dump(), "");
-  }
-
   // Creates it on an empty store and then updates it with itself.
   void ExpectStored(const std::string& document, const std::string& dump) {
     const std::string file = tree.Write("a.json", document);
@@ -136,23 +128,29 @@ TEST_F(HostileInput, AnActionIsNotAFormat) {
                 "Failed to check path /%s%n.json.\nInput path should be a file or directory\n");
 }
 
-TEST_F(HostileInput, TheEmptyNameIsAName) {
-  ExpectStored(R"({"": 1})", "hash | /r |  | 1\n");
-  ExpectStored(R"({"": {"x": 1}})", "hash | &&/r/ | x | 1\nhash | /r | &&Object  &&/r/ | \n");
-  ExpectStored(R"({"": ["x"]})", "list | &&/r/ | \"x\"\nhash | /r | &&Array  &&/r/ | \n");
-}
-
-TEST_F(HostileInput, SlashesInNamesAreSlashesOfTheKey) {
-  ExpectStored(R"({"\/": {"x/y": [1]}})",
-               "hash | &&/r/ | &&Array x/y &&/r/x/y | \n"
-               "list | &&/r/x/y | 1\n"
-               "hash | /r | &&Object / &&/r/ | \n");
-}
-
-TEST_F(HostileInput, RunsOfSlashesInNamesBecomeOneInKeysOnly) {
-  ExpectStored(R"({"//a////b//": {"//": 1}})",
-               "hash | &&/r/a/b/ | // | 1\n"
-               "hash | /r | &&Object //a////b// &&/r/a/b/ | \n");
+TEST_F(HostileInput, NamesAndIdsThatAreEmptyOrHoldSlashes) {
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"": 1})", "hash | /r |  | 1\n"},
+      {R"({"": {"x": 1}})", "hash | &&/r/ | x | 1\nhash | /r | &&Object  &&/r/ | \n"},
+      {R"({"": ["x"]})", "list | &&/r/ | \"x\"\nhash | /r | &&Array  &&/r/ | \n"},
+      {R"({"\/": {"x/y": [1]}})",
+       "hash | &&/r/ | &&Array x/y &&/r/x/y | \n"
+       "list | &&/r/x/y | 1\n"
+       "hash | /r | &&Object / &&/r/ | \n"},
+      {R"({"//a////b//": {"//": 1}})",
+       "hash | &&/r/a/b/ | // | 1\n"
+       "hash | /r | &&Object //a////b// &&/r/a/b/ | \n"},
+      // An id may be a key that is derived elsewhere, or the root's own.
+      {R"({"A": {"@odata.id": "&&/r/B", "x": 1}, "B": {"y": 2}})",
+       "hash | &&/r/B | @odata.id | \"&&/r/B\"\n"
+       "hash | &&/r/B | x | 1\n"
+       "hash | &&/r/B | y | 2\n"
+       "hash | /r | &&Object A &&/r/B | \n"
+       "hash | /r | &&Object B &&/r/B | \n"},
+      {R"({"A": {"@odata.id": "/r", "x": 1}, "y": 2})",
+       "hash | /r | &&Object A /r | \nhash | /r | y | 2\n"},
+  };
+  for (const auto& [document, dump] : cases) ExpectStored(document, dump);
 }
 
 TEST_F(HostileInput, ANameThatReadsLikeARecordIsTheSameFieldAsTheRecord) {
@@ -166,56 +164,36 @@ TEST_F(HostileInput, ANameThatReadsLikeARecordIsTheSameFieldAsTheRecord) {
   EXPECT_EQ(store.Dump(), "hash | &&/r/A | x | 2\nhash | /r | &&Object A &&/r/A | 1\n");
 }
 
-TEST_F(HostileInput, TheLastOfTwoMembersOfOneNameCounts) {
-  ExpectStored(R"({"A": [1], "A": {"x": 2}, "B": 3, "A": 4})",
-               "hash | /r | A | 4\nhash | /r | B | 3\n");
-  ExpectStored(R"({"A": 4, "A": {"x": 1, "x": [2]}})",
-               "hash | &&/r/A | &&Array x &&/r/A/x | \n"
-               "list | &&/r/A/x | 2\n"
-               "hash | /r | &&Object A &&/r/A | \n");
-}
-
-TEST_F(HostileInput, InvalidUtf8IsRefused) {
-  ExpectRefused("{\"A\": \"\xff\"}", "1: unable to decode byte 0xff near '\"'");
-  ExpectRefused("{\"A\xc3\": 1}", "1: unable to decode byte 0xc3 near '\"A'");
-  ExpectRefused("{\n\"A\": \"\xc0\xaf\"}", "2: unable to decode byte 0xc0 near '\"'");
-  ExpectRefused("{\"A\": \"\xed\xa0\x80\"}", "1: unable to decode byte 0xed near '\"'");
-  ExpectRefused("{\"A\": \"\xf4\x90\x80\x80\"}", "1: unable to decode byte 0xf4 near '\"'");
-}
-
-TEST_F(HostileInput, HalfASurrogatePairIsRefused) {
-  ExpectRefused(R"({"A": "\ud800"})", "1: invalid Unicode '\\uD800' near '\"\\ud800\"'");
-  ExpectRefused(R"({"A": "\udc00x"})", "1: invalid Unicode '\\uDC00' near '\"\\udc00x\"'");
-}
-
-TEST_F(HostileInput, ANulIsRefusedInNamesAndValues) {
-  ExpectRefused(R"({"A": "\u0000"})",
-                "1: \\u0000 is not allowed without JSON_ALLOW_NUL near '\"\\u0000\"'");
-  ExpectRefused(R"({"a\u0000b": 1})",
-                "1: NUL byte in object key not supported near '\"a\\u0000b\"'");
-  ExpectRefused(std::string("{\"A\": \"x\0y\"}", 12), "1: control character 0x0 near '\"x'");
-  ExpectRefused(std::string("{\"A\": 1}\0", 9), "1: end of file expected near end of file");
-}
-
-TEST_F(HostileInput, ControlCharactersMustBeEscaped) {
-  ExpectRefused("{\"A\": \"\x01\"}", "1: control character 0x1 near '\"'");
-  ExpectRefused("{\"A\": \"a\tb\"}", "1: control character 0x9 near '\"a'");
-  ExpectRefused("{\"A\": \"a\nb\"}", "1: unexpected newline near '\"a'");
-}
-
-TEST_F(HostileInput, WhatTheParserQuotesIsNotAFormat) {
-  ExpectRefused("%s%n", "1: '[' or '{' expected near '%'");
-  ExpectRefused("{\"A\": \"%s%n", "1: premature end of input near '\"%s%n'");
-}
-
-TEST_F(HostileInput, NumbersBeyondTheParsersRangeAreRefused) {
-  ExpectRefused(R"({"A": 1e400})", "1: real number overflow near '1e400'");
-  ExpectRefused(R"({"A": -1e400})", "1: real number overflow near '-1e400'");
-  ExpectRefused(R"({"A": 9223372036854775808})", "1: too big integer near '9223372036854775808'");
-  ExpectRefused(R"({"A": -9223372036854775809})",
-                "1: too big negative integer near '-9223372036854775809'");
-  // Of a text longer than 20 characters nothing is quoted.
-  ExpectRefused("{\"A\": 1" + std::string(5000, '0') + "}", "1: too big integer");
+TEST_F(HostileInput, WhatTheParserRefusesIsQuotedAsItIs) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"{\n\"A\": 1\n\"B\": 2}", "3: '}' expected near '\"B\"'"},
+      // Invalid UTF-8, and half a surrogate pair.
+      {"{\"A\": \"\xff\"}", "1: unable to decode byte 0xff near '\"'"},
+      {"{\"A\xc3\": 1}", "1: unable to decode byte 0xc3 near '\"A'"},
+      {"{\n\"A\": \"\xc0\xaf\"}", "2: unable to decode byte 0xc0 near '\"'"},
+      {R"({"A": "\ud800"})", "1: invalid Unicode '\\uD800' near '\"\\ud800\"'"},
+      // NUL in names and values, and what must be escaped.
+      {R"({"A": "\u0000"})", "1: \\u0000 is not allowed without JSON_ALLOW_NUL near '\"\\u0000\"'"},
+      {R"({"a\u0000b": 1})", "1: NUL byte in object key not supported near '\"a\\u0000b\"'"},
+      {std::string("{\"A\": \"x\0y\"}", 12), "1: control character 0x0 near '\"x'"},
+      {std::string("{\"A\": 1}\0", 9), "1: end of file expected near end of file"},
+      {"{\"A\": \"a\tb\"}", "1: control character 0x9 near '\"a'"},
+      {"{\"A\": \"a\nb\"}", "1: unexpected newline near '\"a'"},
+      // No format.
+      {"%s%n", "1: '[' or '{' expected near '%'"},
+      {"{\"A\": \"%s%n", "1: premature end of input near '\"%s%n'"},
+      // Numbers beyond the range. Of a token longer than 20 characters nothing is quoted.
+      {R"({"A": -1e400})", "1: real number overflow near '-1e400'"},
+      {R"({"A": 9223372036854775808})", "1: too big integer near '9223372036854775808'"},
+      {R"({"A": -9223372036854775809})", "1: too big negative integer near '-9223372036854775809'"},
+      {"{\"A\": 1" + std::string(5000, '0') + "}", "1: too big integer"},
+  };
+  for (const auto& [document, line] : cases) {
+    const std::string file = tree.Write("a.json", document);
+    ExpectFailure({"create", file, "/r"}, "error: on line " + line + "\nThe content of " + file +
+                                              " is not a valid JSON data.\n");
+    EXPECT_EQ(store.Dump(), "");
+  }
 }
 
 TEST_F(HostileInput, NumbersAtTheEndsOfTheirRangesAreStored) {
@@ -245,34 +223,6 @@ TEST_F(HostileInput, TheLargestRealIsStoredWithAllItsDigits) {
       "723168738177180919299881250404026184124858368";
   ExpectStored(R"({"A": 1e308, "B": -1.7976931348623157e308})",
                "hash | /r | A | " + round + ".\nhash | /r | B | -" + largest + ".\n");
-}
-
-TEST_F(HostileInput, ObjectsThatClaimOneIdAreWrittenOnce) {
-  ExpectStored(R"({"A": {"@odata.id": "/r", "x": 1}, "y": 2})",
-               "hash | /r | &&Object A /r | \nhash | /r | y | 2\n");
-  std::string document = "{\"L\": [";
-  model::List references;
-  for (int i = 0; i < 500; ++i) {
-    document += (i == 0 ? "" : ", ") + std::string(R"({"@odata.id": "/same", "i": )") +
-                std::to_string(i) + "}";
-    references.emplace_back("&&Object /same");
-  }
-  model::Store expected;
-  expected["/r"].value = model::Hash{{"&&Array L &&/r/L", ""}};
-  expected["&&/r/L"].value = references;
-  expected["/same"].value = model::Hash{{"@odata.id", "\"/same\""}, {"i", "0"}};
-  const std::string file = tree.Write("a.json", document + "]}");
-  Load({"create", file, "/r"});
-  EXPECT_EQ(store.Dump(), model::Dump(expected));
-}
-
-TEST_F(HostileInput, AnIdMayBeAKeyThatIsDerivedElsewhere) {
-  ExpectStored(R"({"A": {"@odata.id": "&&/r/B", "x": 1}, "B": {"y": 2}})",
-               "hash | &&/r/B | @odata.id | \"&&/r/B\"\n"
-               "hash | &&/r/B | x | 1\n"
-               "hash | &&/r/B | y | 2\n"
-               "hash | /r | &&Object A &&/r/B | \n"
-               "hash | /r | &&Object B &&/r/B | \n");
 }
 
 TEST_F(HostileInput, AnIdThatIsTheKeyOfAListFailsTheLastFlush) {

@@ -118,42 +118,6 @@ TEST_F(HostileTree, ALinkToItsOwnFolderIsFollowedFortyTimes) {
   EXPECT_EQ(store.Dump(), model::Dump(expected));
 }
 
-TEST_F(HostileTree, ALinkToTheParentIsFollowedFortyTimes) {
-  tree.Write("top/a/index.json", R"({"A": 1})");
-  std::filesystem::create_directory_symlink("..", tree.path("top/a/up"));
-  const std::string top = tree.path("top");
-  model::Store expected;
-  std::string below = "/a";
-  for (int links = 0; links <= 40; ++links) {
-    expected["/r" + below].value = model::Hash{{"A", "1"}};
-    below += "/up/a";
-  }
-  below.resize(below.size() - 2);  // the 41st link itself cannot be examined
-  LoadWithMessages("create", top, "Failed to check path " + top + below + ".\n");
-  EXPECT_EQ(store.Dump(), model::Dump(expected));
-}
-
-TEST_F(HostileTree, LinksThatLeadNowhereAreReportedAndPassedOver) {
-  tree.Write("a/index.json", R"({"A": 1})");
-  std::filesystem::create_symlink("itself", tree.path("itself"));
-  LoadWithMessages("create", tree.path(), "Failed to check path " + tree.path("itself") + ".\n");
-  std::filesystem::remove(tree.path("itself"));
-  std::filesystem::create_symlink("/nowhere/index.json", tree.path("index.json"));
-  LoadWithMessages("update", tree.path(),
-                   "Failed to check path " + tree.path("index.json") + ".\n");
-  EXPECT_EQ(store.Dump(), "hash | /r/a | A | 1\n");
-}
-
-TEST_F(HostileTree, LinksToFilesAndFoldersAreFollowed) {
-  const TempDirectory elsewhere;
-  elsewhere.Write("real.txt", R"({"A": 1})");
-  elsewhere.Write("folder/index.json", R"({"A": 2})");
-  std::filesystem::create_symlink(elsewhere.path("real.txt"), tree.path("index.json"));
-  std::filesystem::create_symlink(elsewhere.path("folder"), tree.path("link"));
-  Load({"create", tree.path(), "/r"});
-  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\nhash | /r/link | A | 2\n");
-}
-
 // STATUS 0 DOES NOT MEAN: The file is a FIFO, a socket or a device
 TEST_F(HostileTree, OnlyRegularFilesAreOpened) {
   tree.Write("a/index.json", R"({"A": 1})");
@@ -186,25 +150,6 @@ TEST_F(HostileTree, OnlyRegularFilesAreOpened) {
     ExpectFailure({"update", tree.path(name), "/r"}, "Input path should be a file or directory\n");
   }
   (void)close(server);
-}
-
-TEST_F(HostileTree, AFolderNamedLikeTheFileIsAFolder) {
-  tree.Write("index.json/index.json", R"({"A": 1})");
-  tree.Write("index.json/index.json.json/x.json", "no JSON");
-  Load({"create", tree.path(), "/r"});
-  EXPECT_EQ(store.Dump(), "hash | /r/index.json | A | 1\n");
-}
-
-TEST_F(HostileTree, FilesOfOtherNamesAreNotRead) {
-  tree.Write("index.json", R"({"A": 1})");
-  tree.Write("Index.json", "no JSON");
-  tree.Write("index.json~", "no JSON");
-  tree.Write("index.JSON", "no JSON");
-  tree.Write("xindex.json", "no JSON");
-  tree.Write("a/index.json ", "no JSON");
-  tree.Write("a/index", "no JSON");
-  Load({"create", tree.path(), "/r"});
-  EXPECT_EQ(store.Dump(), "hash | /r | A | 1\n");
 }
 
 }  // namespace

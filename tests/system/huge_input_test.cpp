@@ -120,7 +120,7 @@ TEST_F(HugeInput, DeeperNestingIsRefusedByTheParser) {
   EXPECT_EQ(store.Dump(), "");
 }
 
-TEST_F(HugeInput, OneObjectHasAMillionMembers) {
+TEST_F(HugeInput, OneObjectHasUpToAMillionMembers) {
   const int count = Scaled(1000000);
   std::string document = "{";
   for (int i = 0; i < count; ++i) {
@@ -134,7 +134,7 @@ TEST_F(HugeInput, OneObjectHasAMillionMembers) {
   }
 }
 
-TEST_F(HugeInput, OneArrayHasAMillionElements) {
+TEST_F(HugeInput, OneArrayHasUpToAMillionElements) {
   const int count = Scaled(1000000);
   LoadDirectly("create", tree.Write("a.json", R"({"a": [-1, -2, -3]})"));
   std::string document = "{\"a\":[";
@@ -169,7 +169,7 @@ TEST_F(HugeInput, OneLargeObjectIsUpdated) {
   EXPECT_EQ(store.Dump(), created);
 }
 
-TEST_F(HugeInput, OneStringHas100Megabytes) {
+TEST_F(HugeInput, OneStringHasUpTo100Megabytes) {
   const int size = Scaled(100 * 1000 * 1000);
   const std::string text(static_cast<std::size_t>(size), 'x');
   const std::string file = tree.Write("a.json", "{\"A\": \"" + text + "\", \"L\": [\"\"]}");

@@ -59,7 +59,7 @@ class HugeTree : public SystemTest {
   }
 };
 
-TEST_F(HugeTree, TenThousandFoldersAreLoaded) {
+TEST_F(HugeTree, UpToTenThousandFoldersAreLoaded) {
   model::Store expected;
   for (int i = 0; i < Scaled(10000); ++i) {
     std::string path;  // a folder for each digit
@@ -83,7 +83,7 @@ TEST_F(HugeTree, NineHundredNestedFoldersAreWalked) {
   EXPECT_EQ(store.Dump(), "hash | /r" + path + " | A | 1\n");
 }
 
-TEST_F(HugeTree, OneFileIsFoundAmongTenThousand) {
+TEST_F(HugeTree, OneFileIsFoundAmongUpToTenThousand) {
   for (int i = 0; i < Scaled(10000); ++i) {
     tree.Write("other" + std::to_string(i) + ".json", "no JSON");
   }

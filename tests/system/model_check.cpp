@@ -23,7 +23,7 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
-// The lines of one text that the other lacks, each with this mark in front.
+// The lines of one text that the other lacks, each after this mark.
 std::string LinesOnlyIn(std::vector<std::string> lines, std::vector<std::string> others,
                         const std::string& mark) {
   std::sort(lines.begin(), lines.end());

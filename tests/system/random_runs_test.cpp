@@ -65,13 +65,13 @@ class RandomRuns : public ModelCheckedTest {
   }
 };
 
-TEST_F(RandomRuns, OfSmallTrees) { RunSequences(1000000, 60, {}); }
+TEST_F(RandomRuns, OfSmallTrees) { RunSequences(1000000, 40, {}); }
 
 TEST_F(RandomRuns, WithIdsThatAreNoStrings) {
   model::RandomTreeOptions options;
   options.bad_id_one_in = 15;
   options.folders = 3;
-  RunSequences(2000000, 40, options);
+  RunSequences(2000000, 20, options);
 }
 
 TEST_F(RandomRuns, WithFullBatches) {
@@ -81,7 +81,7 @@ TEST_F(RandomRuns, WithFullBatches) {
   model::RandomTreeOptions options;
   options.bulk = 2500;
   options.folders = 4;
-  RunSequences(3000000, 6, options);
+  RunSequences(3000000, 3, options);
 }
 
 TEST_F(RandomRuns, WithInclusions) {
@@ -93,18 +93,18 @@ TEST_F(RandomRuns, WithInclusions) {
   Include("b.json", R"({"&&File": 3, "C": [], "&&ETag": "W/\"2\""})");
   Include("c.xml", "<x/>");
   Include("array.json", "[1, 2, 3]");
-  RunSequences(4000000, 30, options);
+  RunSequences(4000000, 15, options);
 }
 
 TEST_F(RandomRuns, BelowAUriWithASlashAtItsEnd) {
   model::RandomTreeOptions options;
   options.uri = "/redfish/";
-  RunSequences(5000000, 20, options);
+  RunSequences(5000000, 10, options);
 }
 
 TEST_F(RandomRuns, AgainstAStoreThatHoldsOtherTypes) {
   const std::uint64_t first_seed = 5000;
-  for (std::uint64_t seed = first_seed; seed < first_seed + 30 * TestFactor(); ++seed) {
+  for (std::uint64_t seed = first_seed; seed < first_seed + 15 * TestFactor(); ++seed) {
     std::mt19937_64 generator(seed);
     const model::RandomTreeOptions options;
     const model::Tree random_tree = model::RandomTree(generator, options);
@@ -136,7 +136,8 @@ TEST_F(RandomRuns, AFailureIsShownAsTheFewestRunsAndFilesThatMakeIt) {
   const auto play = [&](const model::Sequence& sequence) { return Play(sequence, compare); };
   // Most sequences break the rule.
   model::RandomTreeOptions options;
-  options.folders = 3;
+  options.folders = 2;
+  options.depth = 3;
   model::Sequence sequence;
   for (std::uint64_t seed = 6000000; seed < 6000020 && play(sequence).empty(); ++seed) {
     sequence = RandomSequence(seed, options, 3);
