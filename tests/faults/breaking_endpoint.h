@@ -17,7 +17,7 @@
 struct Break {
   /// So many replies arrive whole.
   std::size_t replies = 0;
-  /// False: the server goes away when the next command has come. True: it goes away behind the last
+  /// False: the server goes away when the next command has come. True: it goes away after the last
   /// of these replies, so that a later flight reaches nobody.
   bool is_before_next_flight = false;
 };

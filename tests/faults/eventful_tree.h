@@ -15,7 +15,7 @@
 /// for every change of shape from one generation of the data to the other: a scalar, an object, a
 /// link, a list of scalars, a list of objects and an object with an id of its own, each turning
 /// into each. Beside it: all kinds of scalars, reserved members, empty containers, a file that is
-/// included. Everything lies under kUri, so that a create leaves nothing behind.
+/// included. Everything lies under kUri, so that a create removes all of it.
 namespace eventful {
 
 inline constexpr const char* kUri = "/redfish/v1";

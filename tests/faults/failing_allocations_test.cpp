@@ -22,7 +22,7 @@ class FailingAllocation : public FailingSeries {
 TEST_F(FailingAllocation, NeverStoresASmallFileInPart) {
   path = tree.Write("small.json", R"({"Text": "more than the sixteen characters of a start"})");
   uri = "/a-small-file-of-a-machine";
-  FailEveryCall("allocation");
+  FailEveryCall("allocation", {}, 60);
 }
 
 // Without memory for its own text "&&File" the resource is stored with what the included file says

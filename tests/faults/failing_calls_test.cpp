@@ -13,12 +13,27 @@
 
 namespace {
 
+constexpr const char* kNoConnection = "Failed to connect to Redis\n";
+constexpr const char* kNoListing = "Error occurs while reading files\n";
+
 class FailingCall : public FailingSeries {
  protected:
   // Expects this status of every run, beside what the general rules expect.
   static Exception Ends(int status) {
     return [status](const FailingCalls& /*failing*/, const FailingRun& run) {
       EXPECT_EQ(run.finished.status, status);
+      return false;
+    };
+  }
+
+  // Expects of every run that it fails with this message and that an update changes nothing.
+  Exception FailsWith(const std::string& err) {
+    return [this, err](const FailingCalls& /*failing*/, const FailingRun& run) {
+      EXPECT_EQ(run.finished.status, 255);
+      EXPECT_EQ(run.finished.err, err);
+      if (action == "update") {
+        EXPECT_EQ(store.Dump(), old_store);
+      }
       return false;
     };
   }
@@ -39,7 +54,7 @@ TEST_F(FailingCall, FreadIsReportedAndTheFileIsParsedAllTheSame) {
 
 TEST_F(FailingCall, FgetsLeavesAConfigurationUnread) { FailEveryCall("fgets"); }
 
-// Behind the last brace of a document a failure passes for the end of the file.
+// After the last brace of a document a failure passes for the end of the file.
 TEST_F(FailingCall, FgetcCutsADocumentShort) { FailEveryCall("fgetc", {}, 40); }
 
 // One read is jansson's, for a random number that it can do without.
@@ -53,23 +68,23 @@ TEST_F(FailingCall, ReadEndsTheRunUnlessItIsForARandomNumber) {
   EXPECT_EQ(successes, 2) << "of a create and of an update";
 }
 
-TEST_F(FailingCall, WriteEndsTheRun) { FailEveryCall("write", Ends(255)); }
+TEST_F(FailingCall, WriteEndsTheRun) { FailEveryCall("write", Ends(255), 25); }
 
 TEST_F(FailingCall, InterruptedReadIsTakenUpAgain) { FailEveryCallWith(EINTR, "read", Ends(0)); }
 
 TEST_F(FailingCall, InterruptedWriteIsTakenUpAgain) { FailEveryCallWith(EINTR, "write", Ends(0)); }
 
-TEST_F(FailingCall, SocketIsNoConnection) { FailEveryCall("socket", Ends(255)); }
+TEST_F(FailingCall, SocketIsNoConnection) { FailEveryCall("socket", FailsWith(kNoConnection)); }
 
-TEST_F(FailingCall, ConnectIsNoConnection) { FailEveryCall("connect", Ends(255)); }
+TEST_F(FailingCall, ConnectIsNoConnection) { FailEveryCall("connect", FailsWith(kNoConnection)); }
 
-TEST_F(FailingCall, PopenIsNoConnection) { FailEveryCall("popen", Ends(255)); }
+TEST_F(FailingCall, PopenIsNoConnection) { FailEveryCall("popen", FailsWith(kNoConnection)); }
 
 TEST_F(FailingCall, PcloseIsOfNoConsequence) { FailEveryCall("pclose", Ends(0)); }
 
-TEST_F(FailingCall, OpendirEndsTheRun) { FailEveryCall("opendir", Ends(255)); }
+TEST_F(FailingCall, OpendirEndsTheRun) { FailEveryCall("opendir", FailsWith(kNoListing)); }
 
-TEST_F(FailingCall, ReaddirEndsTheRun) { FailEveryCall("readdir", Ends(255)); }
+TEST_F(FailingCall, ReaddirEndsTheRun) { FailEveryCall("readdir", FailsWith(kNoListing)); }
 
 // The rule is to pass over what cannot be examined: the file, or a folder with all that is in it,
 // is not loaded, and the run succeeds. For a file, and for a folder at its first examination, there

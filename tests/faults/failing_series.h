@@ -39,7 +39,7 @@ class FailingSeries : public FailingCallsTest {
   void FailEveryCall(const std::string& call, const Exception& is_excepted = {},
                      unsigned long sample = ~0UL);
 
-  /// Likewise, with single failures of this errno only.
+  /// Likewise, with single failures of this errno only, and a sample of 25.
   void FailEveryCallWith(int error, const std::string& call, const Exception& is_excepted);
 
   /// Makes the older tree's content the server's.
@@ -53,6 +53,9 @@ class FailingSeries : public FailingCallsTest {
 
   /// What a run without a failure stores, as text. Set by FailEveryCall.
   std::string clean_store;
+
+  /// What the server holds before each run, as text.
+  std::string old_store;
 
   /// What is loaded: the tree, unless a test names another.
   std::string path;

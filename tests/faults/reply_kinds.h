@@ -19,7 +19,7 @@ struct ReplyKind {
   };
 
   std::string bytes;
-  bool closes = false;  ///< The server closes the connection behind the bytes.
+  bool closes = false;  ///< The server closes the connection after the bytes.
   Nature nature = Nature::kWhole;
 };
 

@@ -11,6 +11,7 @@
 #include "model/endpoint.h"
 #include "model/run_model.h"
 #include "support/program.h"
+#include "support/test_factor.h"
 
 namespace {
 
@@ -135,14 +136,20 @@ void WrongReplies::Check(const Scenario& scenario, const std::vector<Row>& table
   ASSERT_EQ(CommandLines(sound.recording.flights).substr(0, beginning.size()), beginning);
 
   std::set<Identity> seen;
+  int cells = 0;
   int byte_by_byte = 0;
   for (const Row& row : table) {
     bool applies = false;
     for (const Kinds& kinds : row.kinds) {
-      for (const ReplyKind& kind : kinds) {
+      // All that a row names have one outcome: of many, some are played, others in other tables.
+      const std::size_t step = TestFactor() >= 10 ? 1 : (kinds.size() + 5) / 6;
+      for (std::size_t i = 0; i < kinds.size(); ++i) {
+        const ReplyKind& kind = kinds[i];
         if (!seen.insert(IdentityOf(kind)).second) continue;
         applies = true;
-        const bool is_byte_by_byte = seen.size() % 2 == 0 && CanComeByteByByte(kind);
+        if ((i + beginning.size()) % step != 0) continue;
+        ++cells;
+        const bool is_byte_by_byte = cells % 2 == 0 && CanComeByteByByte(kind);
         if (is_byte_by_byte) ++byte_by_byte;
         CheckCell(scenario, kind, row.outcome, is_byte_by_byte);
       }
@@ -152,8 +159,8 @@ void WrongReplies::Check(const Scenario& scenario, const std::vector<Row>& table
   for (const ReplyKind& kind : EveryKind()) {
     EXPECT_EQ(seen.count(IdentityOf(kind)), 1U) << "no row for " << Describe(kind);
   }
-  EXPECT_GT(byte_by_byte, 20);
+  EXPECT_GT(byte_by_byte, 5);
   RecordProperty("byte_by_byte", byte_by_byte);
-  RecordProperty("cells", static_cast<int>(seen.size()));
+  RecordProperty("cells", cells);
   RecordProperty("slowest_milliseconds", static_cast<int>(slowest_.count()));
 }

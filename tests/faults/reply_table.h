@@ -67,7 +67,8 @@ struct Row {
 
 class WrongReplies : public FaultTest {
  protected:
-  /// Plays the scenario with every kind of the table, and compares outputs, status and all
+  /// Plays the scenario with every kind of the table (by default with some of each Kinds; with all
+  /// when OSTRAFEL_TEST_SEEDS is 10 or more), and compares outputs, status and all
   /// commands. The table must have an outcome for EveryKind and no row that never applies. The
   /// model, which knows nothing of the table, must come to the same end. Every second answer is
   /// delivered byte by byte, as far as it is short and that makes no difference.

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// The server of these tests is itself tested: with a client of the test's own, and with the
-// program.
+// The server of these tests is itself tested, with a client of the test's own.
 #include "support/scripted_server.h"
 
 #include <hiredis/hiredis.h>
@@ -12,15 +11,11 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "connection/reply.h"
-#include "faults/breaking_endpoint.h"
-#include "faults/eventful_tree.h"
 #include "faults/fault_fixture.h"
-#include "support/program.h"
 #include "support/redis_reply.h"
 #include "support/resp.h"
 #include "support/sandbox.h"
@@ -30,16 +25,18 @@ namespace {
 // A connection of the test's own, over each transport.
 class ScriptedServerTest : public FaultTest, public testing::WithParamInterface<bool> {
  protected:
-  ScriptedServerTest() {
-    if (is_tcp() && !DefaultPortIsFree()) return;
+  void SetUp() override {
+    if (is_tcp() && !DefaultPortIsFree()) GTEST_SKIP() << "port 6379 is in use on this machine";
+    Connect();
+  }
+
+  // Starts a server and connects to it.
+  void Connect() {
     const std::string path = RuntimeDirectory() + "/scripted.sock";
+    server.reset();
     server = std::make_unique<ScriptedServer>(is_tcp() ? "" : path);
     server->Watch(getpid());
     context_.reset(is_tcp() ? redisConnect("127.0.0.1", 6379) : redisConnectUnix(path.c_str()));
-  }
-
-  void SetUp() override {
-    if (!server) GTEST_SKIP() << "port 6379 is in use on this machine";
     ASSERT_EQ(context_->err, 0) << context_->errstr;
   }
 
@@ -51,7 +48,7 @@ class ScriptedServerTest : public FaultTest, public testing::WithParamInterface<
     return NextReply();
   }
 
-  // Sends commands, their arguments parted by blanks, as one pipeline.
+  // Sends commands, their arguments separated by spaces, as one pipeline.
   void Send(const std::vector<std::string>& commands) {
     for (const std::string& command : commands) {
       ASSERT_EQ(redisAppendCommand(context_.get(), command.c_str()), REDIS_OK);
@@ -156,61 +153,38 @@ TEST_P(ScriptedServerTest, DeliversByteByByte) {
   EXPECT_EQ(Finish().closed_by_client, 1);
 }
 
-TEST_P(ScriptedServerTest, ClosesBeforeAReply) {
-  server->CloseBeforeReply(1, Ending::kFin);
-  Send({"RPUSH l a", "RPUSH l b", "RPUSH l c"});
-  EXPECT_EQ(Receive(), ":1\r\n");
-  EXPECT_EQ(Receive(), "FIN");
-  const Recording recording = Finish();
-  ASSERT_EQ(recording.flights.size(), 1U);
-  EXPECT_EQ(recording.flights[0].commands.size(), 3U);
-  EXPECT_EQ(recording.flights[0].replies.size(), 1U);
-  EXPECT_TRUE(recording.flights[0].cut_short);
-  EXPECT_EQ(model::Dump(server->Contents()), "list | l | a\nlist | l | b\nlist | l | c\n");
-}
-
-TEST_P(ScriptedServerTest, ResetsBeforeAReply) {
-  server->CloseBeforeReply(1, Ending::kRst);
-  Send({"RPUSH l a", "RPUSH l b"});
-  EXPECT_EQ(Receive(), ":1\r\n");
-  EXPECT_EQ(Receive(), "RST");
-}
-
-TEST_P(ScriptedServerTest, ResetsWithoutAnyReply) {
-  server->CloseBeforeReply(0, Ending::kRst);
-  Send({"TYPE k"});
-  EXPECT_EQ(Receive(), "RST");
-}
-
-TEST_P(ScriptedServerTest, ClosesBehindAReply) {
-  server->CloseAfterReply(1, Ending::kFin);
-  EXPECT_EQ(Ask("TYPE a"), "+none\r\n");
-  Send({"TYPE b"});
-  EXPECT_EQ(Receive(), "+none\r\n");
-  EXPECT_EQ(Receive(), "FIN");
-  EXPECT_EQ(Finish().flights.size(), 2U);
-}
-
-TEST_P(ScriptedServerTest, ResetsBehindAReply) {
-  server->CloseAfterReply(0, Ending::kRst);
-  Send({"TYPE a"});
-  EXPECT_EQ(Receive(), "+none\r\n");
-  EXPECT_EQ(Receive(), "RST");
-}
-
-TEST_P(ScriptedServerTest, ClosesInTheMiddleOfAReply) {
-  server->CloseAfterBytes(10, Ending::kFin);
-  Send({"TYPE a", "TYPE b", "TYPE c"});
-  EXPECT_EQ(Receive(), "+none\r\n+no");
-  EXPECT_EQ(Receive(), "FIN");
-  EXPECT_EQ(Finish().flights[0].replies.size(), 1U);
-}
-
-TEST_P(ScriptedServerTest, ResetsInTheMiddleOfAReply) {
-  server->CloseAfterBytes(3, Ending::kRst);
-  Send({"TYPE a"});
-  EXPECT_EQ(Receive(), "+no");
-  EXPECT_EQ(Receive(), "RST");
+TEST_P(ScriptedServerTest, LeavesBeforeInOrAfterAReplyWithFinOrRst) {
+  const struct {
+    void (ScriptedServer::*leave)(std::size_t, Ending);
+    std::size_t place;
+    std::string received;
+    std::size_t whole_replies;
+  } cases[] = {
+      {&ScriptedServer::CloseBeforeReply, 0, "", 0},
+      {&ScriptedServer::CloseBeforeReply, 1, ":1\r\n", 1},
+      {&ScriptedServer::CloseAfterReply, 0, ":1\r\n", 1},
+      {&ScriptedServer::CloseAfterReply, 2, ":1\r\n:2\r\n:3\r\n", 3},
+      {&ScriptedServer::CloseAfterBytes, 3, ":1\r", 0},
+      {&ScriptedServer::CloseAfterBytes, 6, ":1\r\n:2", 1},
+  };
+  for (const auto& c : cases) {
+    for (const Ending ending : {Ending::kFin, Ending::kRst}) {
+      SCOPED_TRACE(c.received + (ending == Ending::kFin ? ", FIN" : ", RST"));
+      ASSERT_NO_FATAL_FAILURE(Connect());
+      (server.get()->*c.leave)(c.place, ending);
+      Send({"RPUSH l a", "RPUSH l b", "RPUSH l c"});
+      if (!c.received.empty()) {
+        EXPECT_EQ(Receive(), c.received);
+      }
+      EXPECT_EQ(Receive(), ending == Ending::kFin ? "FIN" : "RST");
+      const Recording recording = Finish();
+      ASSERT_EQ(recording.flights.size(), 1U);
+      EXPECT_EQ(recording.flights[0].commands.size(), 3U);
+      EXPECT_EQ(recording.flights[0].replies.size(), c.whole_replies);
+      EXPECT_TRUE(recording.flights[0].cut_short);
+      EXPECT_EQ(model::Dump(server->Contents()), "list | l | a\nlist | l | b\nlist | l | c\n");
+    }
+  }
 }
 
 TEST_P(ScriptedServerTest, NotesWhatAClientDidNotWaitFor) {
@@ -219,37 +193,6 @@ TEST_P(ScriptedServerTest, NotesWhatAClientDidNotWaitFor) {
   EXPECT_EQ(recording.closed_by_client, 0);
   EXPECT_EQ(Describe(recording.flights), "RPUSH | l | a\n");
   EXPECT_EQ(model::Dump(server->Contents()), "list | l | a\n");
-}
-
-class ScriptedServerAndProgram : public FaultTest {};
-
-TEST_F(ScriptedServerAndProgram, ACreateAndAnUpdateDoNotMindRepliesThatComeByteByByte) {
-  using eventful::Generation;
-  for (const Transport transport : Transports()) {
-    model::Store store;
-    store[eventful::kUri].value = model::List{"in the way"};
-    std::set<std::string> names;
-    for (const std::string action : {"create", "update"}) {
-      const bool is_create = action == "create";
-      eventful::WriteFiles(tree, is_create ? Generation::kFirst : Generation::kSecond);
-      if (!is_create) eventful::AddStaleKeys(eventful::kInlineId, &store);
-      const std::vector<std::string> arguments = {action, tree.path(), eventful::kUri};
-      const Prediction expected = PredictWhole(arguments, store, "secret");
-      const FaultedRun run = Run(
-          arguments, store, [](ScriptedServer& server) { server.DeliverByteByByte(); }, transport,
-          "secret");
-      EXPECT_EQ(run.finished.out, kSuccessLine);
-      EXPECT_EQ(run.finished.err, Announcement(transport));
-      EXPECT_EQ(run.finished.status, 0);
-      EXPECT_EQ(Describe(run.recording.flights), Describe(expected.flights));
-      EXPECT_EQ(model::Dump(run.store), model::Dump(expected.store));
-      for (const model::Command& command : model::CommandsOf(run.recording.flights)) {
-        names.insert(eventful::CommandName(command));
-      }
-      store = run.store;
-    }
-    EXPECT_EQ(names, eventful::kEveryCommand);
-  }
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ TEST_F(WrongReplies, ToKeys) {
   const Outcome deletes_x = Success("del | x\n" + rest);
   const Outcome deletes_nameless = Success("del | \n" + rest);
   const Outcome deletes_x_and_y = Success("del | x\ndel | y\n" + rest);
-  // A key is sent as a text that ends at its first NUL.
+  // A key is sent up to its first NUL.
   const Outcome deletes_beginning = Success("del | /r\n" + rest);
   // No KEYS gets an answer any more, and none is missed; the HSET is.
   const Outcome lost = Failure(std::string(kNoReply) + kRestNotWritten, "");

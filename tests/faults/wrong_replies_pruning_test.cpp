@@ -29,28 +29,6 @@ Kinds OtherTypes() {
 Kinds Nothing() { return AnyStatus({"none", "nonesuch"}); }
 
 TEST_F(WrongReplies, ToTypeForAnArray) {
-  const std::string write = kRemoveFields + kWriteArray;
-  const Outcome nothing_stored = Success(kScanLinks + write);
-  // Whatever lies at the key goes, with all below it.
-  const Outcome stale = Success(kScanBelow + kScanLinks + kUnlink + write);
-  const Outcome stale_list = Success(kFirstElement + kScanBelow + kScanLinks + kUnlink + write);
-  // The array is the only member, so that it decides about the document.
-  const Outcome failed = Failure(kFileFailed, "");
-
-  Check({"update", R"({"A": []})", {}, "", kType},
-        {
-            {{Nothing()}, nothing_stored},
-            {{AnyStatus({"list"})}, stale_list},
-            {{AnyStatus({"hash"}), OtherTypes(), Statuses()}, stale},
-            {{Errors(), Integers(), Nils(), Texts()}, failed},
-            {{StringArrays(), StrangeArrays(), BrokenPages(), Pages()}, failed},
-            // The key counts as stale, or is not known; the second reply is no answer to SCAN.
-            {{TwoStatuses(), TwoIntegers()}, failed},
-            {{BrokenStreams()}, failed},
-        });
-}
-
-TEST_F(WrongReplies, ToTypeForAnArrayBeforeAnotherMember) {
   const std::string write_tag = "HSET | /r | &&ETag | e\n";
   const std::string write = kRemoveFields + kWriteArray + write_tag;
   const Outcome nothing_stored = Success(kScanLinks + write);
@@ -88,7 +66,7 @@ TEST_F(WrongReplies, ToTypeForAScalar) {
   // A scalar is written even when its older shape cannot be learned.
   const Outcome written = Success(write_scalar);
   const Outcome lost = Failure(std::string(kNoReply) + kRestNotWritten, "");
-  // As for an array before another member.
+  // As for an array.
   const Outcome shifted = Failure(std::string(kBadRemoval) + kRestNotWritten, kScanBelow + kUnlink);
   const Outcome early = Success(write_scalar);
 
@@ -204,7 +182,7 @@ TEST_F(WrongReplies, ToHexists) {
   // fails, and the TYPE for the object takes the answer to SCAN, and fails too, unsent.
   const Outcome shifted_status = Failure(kFileFailed, kType + kScanBelow);
   // TYPE cannot use the second number. That for the object takes the "none" for the link, and the
-  // HSCAN behind it, unsent, the "none" for the object, and fails.
+  // HSCAN after it, unsent, the "none" for the object, and fails.
   const Outcome shifted_integer = Failure(kFileFailed, kType + type_of_target);
 
   Check({"update", R"({"A": {"@odata.id": "/x"}})", {}, "", "HEXISTS | /r | &&Object A &&/r/A\n"},

@@ -78,7 +78,7 @@ TEST_F(WrongReplies, ToScan) {
   };
   // The array is the only member, so that it decides about the document.
   const Outcome failed = Failure(kFileFailed, "");
-  // A key is sent as a text that ends at its first NUL.
+  // A key is sent up to its first NUL.
   const Outcome found_beginning = found("UNLINK | &&/r/A/B\n");
 
   std::vector<Row> table = {

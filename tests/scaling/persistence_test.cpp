@@ -121,7 +121,7 @@ TEST_P(AppendOnly, KeepsTheFirstPartOfALoadThatEndsWithTheServer) {
   const std::vector<std::pair<std::size_t, std::size_t>> ends = {
       {kHashes, 1}, {kHashes, 700}, {kHashes + 1, 1}, {kHashes + 1, 200}};
   for (const auto& [flight, sent] : ends) {
-    SCOPED_TRACE("killed behind command " + std::to_string(sent) + " of flight " +
+    SCOPED_TRACE("killed after command " + std::to_string(sent) + " of flight " +
                  std::to_string(flight));
     (void)node.store().Run("FLUSHALL");
     plan = [flight = flight, sent = sent](Recorder& recorder) { recorder.KillAfter(flight, sent); };
@@ -147,7 +147,7 @@ TEST_P(AppendOnly, KeepsTheFirstPartOfALoadThatItIsKilledIn) {
   for (std::size_t i = 1; i < kMembers; ++i) document += ", \"" + std::to_string(i) + "\": 1";
   const Arguments arguments = {"create", tree.Write("a.json", document + "}"), "/r"};
   for (const long long enough : {1, 2500, 4000}) {
-    SCOPED_TRACE("killed behind " + std::to_string(enough) + " members");
+    SCOPED_TRACE("killed after " + std::to_string(enough) + " members");
     (void)node.store().Run("FLUSHALL");
     ExpectWritten();
     const std::string size = node.Info("aof_current_size");

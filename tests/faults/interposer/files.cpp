@@ -18,7 +18,7 @@ mode_t Mode(int flags, std::va_list arguments) {
   return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
 }
 
-// What a failed read leaves behind for ferror.
+// What a failed read leaves for ferror.
 void SetErrorIndicator(std::FILE* stream) { stream->_flags |= _IO_ERR_SEEN; }
 
 }  // namespace

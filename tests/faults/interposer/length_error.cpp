@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// A text or a list that is longer than the C++ library allows: more than half of all memory that
+// A string or a list that is longer than the C++ library allows: more than half of all memory that
 // can be addressed. No real one gets there. The exception then comes out of the append that needs
 // memory, and from there it is thrown here.
 #include <cstddef>
