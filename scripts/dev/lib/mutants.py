@@ -18,6 +18,7 @@ Mutant = namedtuple("Mutant", "file function line kind start end text before aft
 
 TOKEN = re.compile(
     r"""(?P<comment>//[^\n]*|/\*.*?\*/)
+      | (?P<raw>R"(?P<mark>[^\s()\\]*)\(.*?\)(?P=mark)")
       | (?P<directive>^\#[^\n]*(?:\\\n[^\n]*)*)
       | (?P<string>(?:u8|[uUL])?"(?:[^"\\\n]|\\.)*")
       | (?P<char>'(?:[^'\\\n]|\\.)*')
@@ -36,25 +37,25 @@ SWAPPED = {
     "++": ["--"], "--": ["++"],
     "true": ["false"], "false": ["true"],
 }
-# These stand for something else (templates, pointers, references, signs) without blanks around.
-ONLY_BETWEEN_BLANKS = {"<", ">", "&&", "+", "-", "*", "/", "%"}
+# These stand for something else (templates, pointers, references, signs) without spaces around.
+ONLY_BETWEEN_SPACES = {"<", ">", "&&", "+", "-", "*", "/", "%"}
 
-# Names that mean values of one kind: each is replaced by the next one.
-NAMED_CONSTANTS = [
-    ["RemoveField", "RemoveListValue", "RemoveKey"],
-    ["StoredHash", "StoredList", "StoredNone"],
-    ["ObjectMarker", "ObjectRefMarker", "ArrayMarker"],
+# Names that mean values of one kind: each is replaced by the next one. Those of the libraries; the
+# program's own enumerations are found in its sources.
+LIBRARY_CONSTANTS = [
     ["REDIS_REPLY_STRING", "REDIS_REPLY_ARRAY", "REDIS_REPLY_INTEGER", "REDIS_REPLY_STATUS"],
-    ["kPatterns", "kPatternsAfterSlash"],
     ["json_is_object", "json_is_array", "json_is_string"],
 ]
-NEXT_CONSTANT = {
-    name: group[(i + 1) % len(group)] for group in NAMED_CONSTANTS for i, name in enumerate(group)
-}
+ENUMERATION = re.compile(r"\benum\b[^;{]*\{([^}]*)\}")
+
+# What only checks the program, or only asks for memory early, can be changed without any effect.
+CHECKS = {"static_assert", "assert"}
+HINTS = {"reserve"}
 
 OPENING, CLOSING = {"(": ")", "[": "]", "{": "}"}, {")", "]", "}"}
 # What ends an operand of && and ||, besides these themselves and an unmatched bracket.
 OPERAND_ENDS = {"&&", "||", ";", ",", "?", ":", "=", "return", "case"}
+BEFORE_A_BLOCK = {")", "]", "{", "}", ";", "else", "do", "try", "const", "noexcept", "override"}
 NO_CALL = {
     "return", "if", "for", "while", "do", "else", "switch", "case", "default", "break", "continue",
     "try", "catch", "using", "const", "constexpr", "static", "auto", "template", "extern", "enum",
@@ -62,11 +63,22 @@ NO_CALL = {
 }
 
 
+def next_constants(texts):
+    """Name -> the next one of its kind, in the libraries and in the enumerations of these sources."""
+    groups = list(LIBRARY_CONSTANTS)
+    for text in texts:
+        bare = re.sub(r"//[^\n]*|/\*.*?\*/", "", text, flags=re.DOTALL)
+        for match in ENUMERATION.finditer(bare):
+            groups.append(re.findall(r"(?:^|,)\s*([A-Za-z_]\w*)", match.group(1)))
+    return {name: group[(i + 1) % len(group)]
+            for group in groups if len(group) > 1 for i, name in enumerate(group)}
+
+
 class Source:
-    def __init__(self, name, text):
-        self.name, self.text = name, text
+    def __init__(self, name, text, constants):
+        self.name, self.text, self.constants = name, text, constants
         self.tokens = [
-            Token(match.lastgroup, match.group(), match.start(), match.end())
+            Token("raw" if match["raw"] else match.lastgroup, match.group(), *match.span())
             for match in TOKEN.finditer(text)
             if match.lastgroup not in ("comment", "directive")
         ]
@@ -172,12 +184,24 @@ class Source:
                 j = self.partner[j]
             elif text in OPENING:
                 # A block, not the braces of an initializer.
-                return text == "{" and self.text_at(j - 1) in (")", "{", "}", ";", "else", "do", "try")
+                return text == "{" and self.text_at(j - 1) in BEFORE_A_BLOCK
             j -= 1
         return False
 
 
-def _between_blanks(source, token):
+    def unchanged(self):
+        """The ranges of tokens that stay as they are."""
+        for i, token in enumerate(self.tokens):
+            if token.kind != "name" or self.text_at(i + 1) != "(":
+                continue
+            if token.text in CHECKS or token.text in HINTS and self.text_at(i - 1) in (".", "->"):
+                first = i
+                while first > 0 and self.text_at(first - 1) not in (";", "{", "}", ")"):
+                    first -= 1
+                yield self.tokens[first].start, self.tokens[self.partner[i + 1]].end
+
+
+def _between_spaces(source, token):
     return source.text[token.start - 1].isspace() and source.text[token.end].isspace()
 
 
@@ -186,7 +210,7 @@ def _operators(source):
         if token.kind not in ("operator", "name"):
             continue
         for text in SWAPPED.get(token.text, []):
-            if token.text in ONLY_BETWEEN_BLANKS and not _between_blanks(source, token):
+            if token.text in ONLY_BETWEEN_SPACES and not _between_spaces(source, token):
                 continue
             yield source.replacing("operator", i, text)
         if token.text == "!":
@@ -195,11 +219,11 @@ def _operators(source):
 
 def _operands(source):
     for i, token in enumerate(source.tokens):
-        if token.text in ("&&", "||") and _between_blanks(source, token):
+        if token.text in ("&&", "||") and _between_spaces(source, token):
             left, right = source.operand_before(i), source.operand_after(i)
             yield source.mutant("operand", source.tokens[left].start, source.tokens[i + 1].start, "")
             yield source.mutant("operand", source.tokens[i - 1].end, source.tokens[right].end, "")
-        if token.text == "+" and _between_blanks(source, token):
+        if token.text == "+" and _between_spaces(source, token):
             right = source.operand_after(i)
             following = next((j for j in range(i + 1, right + 1) if source.text_at(j) == "+"), None)
             if following is not None:
@@ -214,27 +238,41 @@ def _operands(source):
 def _constants(source):
     for i, token in enumerate(source.tokens):
         if token.kind == "number":
-            match = re.fullmatch(r"(\d+)([uUlL]*)", token.text)
+            match = re.fullmatch(r"(0[xX][0-9a-fA-F]+|\d+)([uUlL]*)", token.text)
             if not match:
                 continue
-            value, suffix = int(match.group(1)), match.group(2)
+            value = int(match.group(1), 16 if token.text[:2].lower() == "0x" else 10)
+            suffix = match.group(2)
             values = [value + 1, value - 1] if value > 0 else [1]
             if source.text_at(i - 1) == "return":
                 values = [0 if value else 1]
             for changed in values:
                 yield source.replacing("integer", i, f"{changed}{suffix}")
-        elif token.kind == "name" and token.text in NEXT_CONSTANT:
-            yield source.replacing("constant", i, NEXT_CONSTANT[token.text])
+        elif token.kind == "name" and token.text in source.constants:
+            yield source.replacing("constant", i, source.constants[token.text])
         elif token.kind == "char":
             content = token.text[1:-1]
             changed = chr(ord(content) + 1) if len(content) == 1 and content not in "&[" else "x"
             yield source.replacing("text", i, f"'{changed}'")
         elif token.kind == "string":
             yield from _texts(source, i)
+        elif token.kind == "raw":
+            yield source.replacing("text", i, '""')
+
+
+def _is_message(source, i):
+    """A string that ends a line, with the literals before it that are parts of it."""
+    while i + 1 < len(source.tokens) and source.tokens[i + 1].kind == "string":
+        i += 1
+    return source.text_at(i).endswith('\\n"')
 
 
 def _texts(source, i):
     content = source.text_at(i)[1:-1]
+    if _is_message(source, i):  # each once
+        if content and (i == 0 or source.tokens[i - 1].kind != "string"):
+            yield source.replacing("text", i, '""')
+        return
     if not content:
         yield source.replacing("text", i, '"x"')
         return
@@ -250,9 +288,8 @@ def _texts(source, i):
     if digit:
         changed = content[:digit.start()] + str((int(digit.group()) + 1) % 10) + content[digit.end():]
         yield source.replacing("text", i, f'"{changed}"')
-    if content.endswith("\\n") or content[-1] in " *":
-        shorter = content[:-2] if content.endswith("\\n") else content[:-1]
-        yield source.replacing("text", i, f'"{shorter}"')
+    if content[-1] in " *":
+        yield source.replacing("text", i, f'"{content[:-1]}"')
 
 
 def _conditions(source):
@@ -295,13 +332,16 @@ def _statements(source):
         yield source.mutant("statement", source.tokens[i].start, source.tokens[end].end, ";")
 
 
-def mutants_of(name, text):
-    """All mutants of a source in the order of their places, each once."""
-    source = Source(name, text)
+def mutants_of(name, text, constants):
+    """All mutants of a source in the order of their places, each once. constants is what
+    next_constants has found."""
+    source = Source(name, text, constants)
+    unchanged = list(source.unchanged())
     found = {}
     for make in (_operators, _operands, _constants, _conditions, _statements):
         for mutant in make(source):
-            found.setdefault(source.apply(mutant), mutant)
+            if not any(start <= mutant.start and mutant.end <= end for start, end in unchanged):
+                found.setdefault(source.apply(mutant), mutant)
     found.pop(text, None)
     mutated = sorted(found.items(), key=lambda item: (item[1].start, item[1].end, item[1].text))
     return [(mutant, changed) for changed, mutant in mutated]

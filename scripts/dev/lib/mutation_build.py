@@ -14,20 +14,19 @@ import signal
 import subprocess
 import time
 
-SYSTEM_TESTS_LAST = "RandomRuns.*"  # many runs each, and whatever they find others mostly find
-# Need data that is not everywhere, or much time without new code paths.
-SYSTEM_TESTS_NEVER = "Mockups.*:Huge*:ChangingTree.*"
-
-# The tests of one mutant: the program that they are in, which of them, which program is linked
-# anew. The first two hold the tested code themselves; the last ones run the program.
-STAGES = {
-    "unit": ("unit_tests", "-LargeFile.*", "unit_tests"),  # larger than a mutant may write
-    "store": ("store_tests", "*", "store_tests"),
-    "system": ("system_tests", f"-{SYSTEM_TESTS_LAST}:{SYSTEM_TESTS_NEVER}", "Ostrafel"),
-    "length": ("failing_call_tests", "LengthError.*", "Ostrafel"),
-    "replies": ("fault_tests", "WrongReplies.*", "Ostrafel"),
-    "random": ("system_tests", SYSTEM_TESTS_LAST, "Ostrafel"),
+# Which tests of a program tell mutants apart, where not all do in a useful time, in the order in
+# which they are run. A stage is named after its program and what is chosen of it; programs that are
+# not named here come first, as one stage each.
+NOT_RUN = {"guard_tests", "model_tests", "scaling_tests"}  # counts, the model, servers
+CHOSEN = {
+    "unit_tests": [("", "-LargeFile.*")],  # larger than a mutant may write
+    "system_tests": [("", "-RandomRuns.*:Mockups.*:Huge*:ChangingTree.*:Environment.ADecimal*")],
+    "fault_tests": [("replies", "WrongReplies.*")],
+    "failing_call_tests": [("", "LengthError.*:FailingLibraryCall.*:LongPipeline.*:FailingCall.*"
+                            "-FailingCall.Interrupted*:FailingCall.Fgetc*")],
 }
+# Many runs each, and whatever they find others mostly find.
+LAST = ("system_tests", "random", "RandomRuns.OfSmallTrees:RandomRuns.WithFullBatches")
 
 MEBIBYTE = 1 << 20
 
@@ -62,45 +61,86 @@ def run_limited(command, seconds, environment, output):
     return None
 
 
+class Stage:
+    """Some tests of one program."""
+
+    def __init__(self, target, choice, tests):
+        self.target, self.tests = target, tests
+        self.program = target.rpartition("/")[2]
+        self.name = self.program.removesuffix("_tests") + (f"-{choice}" if choice else "")
+        self.holds = set()  # the sources whose objects are linked into the program itself
+        self.runs_ostrafel = False
+        self.seconds = {}  # test -> how long it takes without any mutant
+
+
 class Build:
     """The build of the sources as they are, to which mutants are compared."""
 
-    def __init__(self, repository, folder, stages, sanitize):
-        self.repository, self.folder, self.stages = repository, folder, stages
+    def __init__(self, repository, folder, sanitize):
+        self.repository, self.folder = repository, folder
         self.flags = "-O0 -w -D_GLIBCXX_ASSERTIONS"  # an index out of range ends the program
         self.sanitize = sanitize
-        self.seconds = {}
+        self.stages = []
 
-    def prepare(self):
+    def configure(self):
+        """Finds the test programs; they are the stages."""
         options = [
             "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
-            f"-DCMAKE_CXX_FLAGS={self.flags}",
+            f"-DCMAKE_CXX_FLAGS={self.flags}", "-DOSTRAFEL_PRECOMPILED_HEADERS=ON",
             f"-DOSTRAFEL_SANITIZERS={'address,undefined' if self.sanitize else ''}",
         ]
+        if shutil.which("ld.lld"):
+            options.append("-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld")
         if shutil.which("ccache"):
             options.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
         subprocess.run(["cmake", "-S", self.repository, "-B", self.folder, "-G", "Ninja", *options],
                        check=True, stdout=subprocess.DEVNULL)
-        programs = sorted({name for stage in self.stages for name in STAGES[stage][::2]})
-        subprocess.run(["cmake", "--build", self.folder, "--target", *programs], check=True,
-                       stdout=subprocess.DEVNULL)
+        targets = re.findall(r"^(tests/(?:.*/)?\w+_tests): CXX_EXECUTABLE_LINKER",
+                             self._ninja("targets", "all"), re.M)
+        targets = [target for target in targets if target.rpartition("/")[2] not in NOT_RUN]
+        order = list(CHOSEN)
+        rank = {name: i for i, name in enumerate(order)}
+        targets.sort(key=lambda target: rank.get(target.rpartition("/")[2], 0.5))
+        self.stages = [Stage(target, choice, tests) for target in targets
+                       for choice, tests in CHOSEN.get(target.rpartition("/")[2], [("", "*")])]
+        self.stages += [Stage(target, *LAST[1:]) for target in targets
+                        if target.endswith("/" + LAST[0])]
+
+    def prepare(self):
+        targets = {stage.target for stage in self.stages}
+        subprocess.run(["cmake", "--build", self.folder, "--target", "Ostrafel",
+                        *(target.rpartition("/")[2] for target in targets)],
+                       check=True, stdout=subprocess.DEVNULL)
         with open(self.folder / "compile_commands.json", encoding="utf-8") as file:
             self.compile_commands = {
                 os.path.relpath(entry["file"], self.repository): shlex.split(entry["command"])
                 for entry in json.load(file)
+                if os.path.relpath(entry["file"], self.repository).startswith("src/")
             }
+        self.objects = {name: command[command.index("-o") + 1]
+                        for name, command in self.compile_commands.items()}
         self._precompile_headers()
-        self.link_commands = {name: self._link_command(name) for name in programs}
+        self.link_commands = {target: self._link_command(target)
+                              for target in targets | {"Ostrafel"}}
+        for stage in self.stages:
+            stage.holds = self._sources_in(stage.target)
+            stage.runs_ostrafel = re.search(
+                r"^ +(\|+ )?Ostrafel$", self._ninja("query", stage.target), re.M) is not None
         self.dependents = self._find_dependents()
+
+    def _ninja(self, tool, *arguments):
+        return subprocess.run(["ninja", "-C", self.folder, "-t", tool, *arguments], check=True,
+                              capture_output=True, text=True).stdout
 
     def _precompile_headers(self):
         """The libraries' headers, which take most of the time of compiling a mutant."""
         included = set()
-        for path in (self.repository / "src/store").iterdir():
-            included |= set(re.findall(r"^#include <.*>$", path.read_text(encoding="utf-8"), re.M))
+        for name in self.compile_commands:
+            text = (self.repository / name).read_text(encoding="utf-8")
+            included |= set(re.findall(r"^#include <.*>$", text, re.M))
         self.header = self.folder / "libraries.h"
         self.header.write_text("\n".join(sorted(included)) + "\n", encoding="utf-8")
-        name = next(name for name in self.compile_commands if name.startswith("src/store/"))
+        name = next(name for name in self.compile_commands if not name.endswith("/main.cpp"))
         command = self.compile_command(name, self.header, f"{self.header}.gch")
         subprocess.run(command, cwd=self.folder, check=True)
 
@@ -116,53 +156,63 @@ class Build:
         command[command.index("-c") + 1] = str(path)
         return command[1:] if command[0].endswith("ccache") else command  # no mutant comes twice
 
-    def _link_command(self, program):
-        output = subprocess.run(["ninja", "-C", self.folder, "-t", "commands", program], check=True,
-                                capture_output=True, text=True).stdout
-        line = [line for line in output.splitlines() if f" -o {program} " in line
-                or f" -o tests/{program} " in line][-1]
+    def _link_command(self, target):
+        line = next(line for line in reversed(self._ninja("commands", target).splitlines())
+                    if f" -o {target} " in line)
         # ": && c++ ... && cmake -E ...", of which only the linking is wanted.
         return shlex.split(next(part for part in line.split("&&") if " -o " in part))
 
+    def _sources_in(self, target):
+        """The sources below src of which the program holds the objects, alone or out of a library."""
+        command = list(self.link_commands[target])
+        command[command.index("-o") + 1] = str(self.folder / "traced")
+        command.append("-Wl,--trace")
+        trace = subprocess.run(command, cwd=self.folder, check=True, capture_output=True,
+                               text=True).stdout
+        # "…/libNAME.a(FILE.o)", and of other linkers "(…/libNAME.a)FILE.o"
+        members = set(re.findall(r"lib(\w+)\.a\W+([\w.]+\.o)\b", trace))
+        return {name for name, object_ in self.objects.items()
+                if object_ in command or re.search(r"/(\w+)\.dir/(.*)", object_).groups() in members}
+
     def _find_dependents(self):
         """Header -> the sources below src that include it."""
-        output = subprocess.run(["ninja", "-C", self.folder, "-t", "deps"], check=True,
-                                capture_output=True, text=True).stdout
         dependents = {}
-        for block in output.split("\n\n"):
+        for block in self._ninja("deps").split("\n\n"):
             lines = [line.strip() for line in block.splitlines()[1:]]
             paths = [os.path.relpath(self.folder / line, self.repository) for line in lines]
-            if paths and paths[0].startswith("src/"):
-                for path in paths[1:]:
-                    dependents.setdefault(path, []).append(paths[0])
+            source = next((path for path in paths if path in self.compile_commands), None)
+            if source:
+                for path in paths:
+                    if path != source:
+                        dependents.setdefault(path, []).append(source)
         return dependents
 
     def measure(self):
-        """Runs the tests of the build itself, which must pass, and takes their time."""
+        """Runs the tests of the build itself, which must pass, and takes their times."""
         for stage in self.stages:
-            start = time.monotonic()
-            if self.run_stage(stage, self.folder, 1200)[0] != 0:
-                raise SystemExit(f"mutate: the {stage} tests fail without any mutant")
-            self.seconds[stage] = time.monotonic() - start
+            times = self.folder / f"{stage.name}.json"
+            status, _ = self.run_stage(stage, self.folder, 1200, more=[f"--gtest_output=json:{times}"])
+            if status != 0:
+                raise SystemExit(f"mutate: the {stage.name} tests fail without any mutant")
+            with open(times, encoding="utf-8") as file:
+                suites = json.load(file)["testsuites"]
+            stage.seconds = {f"{suite['name']}.{test['name']}": float(test["time"].rstrip("s"))
+                             for suite in suites for test in suite["testsuite"]}
 
-    def time_limit(self, stage):
-        return 20 + 4 * self.seconds[stage]
-
-    def run_stage(self, stage, folder, seconds, chosen=()):
+    def run_stage(self, stage, folder, seconds, chosen=(), more=()):
         """Runs the tests of a stage, or only the chosen ones, with what was linked in folder (the
         build's own, or a mutant's). Returns the exit status, None when they take longer than
         seconds, and the names of the tests that failed."""
-        tests, every, linked = STAGES[stage]
-        program = folder / linked
-        command = [self.folder / "tests" / tests]
-        if linked == tests and folder != self.folder:
-            command = [program]
-        command += [f"--gtest_filter={':'.join(chosen) or every}", "--gtest_fail_fast",
-                    "--gtest_brief=1"]
-        output = folder / f"{stage}.log"
-        status = run_limited(command, seconds, {"OSTRAFEL_PROGRAM": str(program)}, output)
+        program = folder / stage.program
+        if not program.exists():
+            program = self.folder / stage.target
+        output = folder / f"{stage.name}.log"
+        status = run_limited(
+            [program, f"--gtest_filter={':'.join(chosen) or stage.tests}", "--gtest_fail_fast",
+             "--gtest_brief=1", *more],
+            seconds, {"OSTRAFEL_PROGRAM": str(folder / "Ostrafel")}, output)
         text = output.read_text(encoding="utf-8", errors="replace")
-        return status, set(re.findall(r"^\[  FAILED  \] (\w+\.\w+)", text, re.M))
+        return status, set(re.findall(r"^\[  FAILED  \] ([\w/]+\.[\w/]+)", text, re.M))
 
 
 class MutantBuild:
@@ -174,18 +224,17 @@ class MutantBuild:
         changed = folder / file
         changed.parent.mkdir(parents=True)
         changed.write_text(text, encoding="utf-8")
+        self.objects = {}  # source -> its object
         self.linked = set()
 
     def compile(self):
         """False when it does not compile."""
-        if self.file.endswith(".cpp"):
+        if self.file in self.build.compile_commands:
             sources = {self.file: self.folder / self.file}
         else:
-            sources = {}
-            for name in self.build.dependents.get(self.file, []):
-                # Beside the mutated header, because quoted includes look there first.
-                sources[name] = self.build.repository / name
-        self.objects = []
+            sources = {name: self.build.repository / name
+                       for name in self.build.dependents.get(self.file, [])}
+            self._shadow(sources)
         for name, path in sources.items():
             target = self.folder / (name.replace("/", "_") + ".o")
             command = self.build.compile_command(name, path, target)
@@ -193,19 +242,38 @@ class MutantBuild:
             command[at:at] = [f"-I{self.folder}/src"]
             if self._run(command) != 0:
                 return False
-            if not name.endswith("/main.cpp"):
-                self.objects.append(str(target))
+            self.objects[name] = str(target)
         return True
 
-    def link(self, program):
-        """False when it does not link. The new objects come before the libraries with the old."""
-        if program in self.linked:
+    def _shadow(self, sources):
+        """Copies the sources that include the header, which is looked for beside them first."""
+        for name in sources:
+            copy = self.folder / name
+            copy.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(self.build.repository / name, copy)
+            sources[name] = copy
+
+    def matters_to(self, stage):
+        return stage.runs_ostrafel or bool(stage.holds & self.objects.keys())
+
+    def link(self, stage):
+        """False when it does not link."""
+        targets = [stage.target] if stage.holds & self.objects.keys() else []
+        targets += ["Ostrafel"] if stage.runs_ostrafel else []
+        return all(self._link(target) for target in targets)
+
+    def _link(self, target):
+        if target in self.linked:
             return True
-        command = list(self.build.link_commands[program])
-        command[command.index("-o") + 1] = str(self.folder / program)
-        at = command.index("-o")
-        command[at:at] = self.objects
-        self.linked.add(program)
+        self.linked.add(target)
+        command = list(self.build.link_commands[target])
+        command[command.index("-o") + 1] = str(self.folder / target.rpartition("/")[2])
+        for name, object_ in self.objects.items():
+            old = self.build.objects[name]
+            if old in command:
+                command[command.index(old)] = object_
+            elif not name.endswith("/main.cpp"):  # before the libraries with the old object
+                command.insert(command.index("-o"), object_)
         return self._run(command) == 0
 
     def _run(self, command):
@@ -218,4 +286,5 @@ class MutantBuild:
 
 
 def repository_of(script):
-    return pathlib.Path(script).resolve().parents[2]
+    return next(folder for folder in pathlib.Path(script).resolve().parents
+                if (folder / "CMakeLists.txt").exists())
