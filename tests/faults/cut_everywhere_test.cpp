@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// The connection breaks at every place of a run where it can.
+// The connection breaks at every place of a run where it can, and the run ends as the model says.
+// What each command makes of a lost reply is stated in the tables of wrong replies.
 //
 // A cut is made over a Unix socket or TCP, and by FIN or RST. By default the four take turns from
 // cut to cut, and within a pipeline or a reply every third place is cut; with OSTRAFEL_TEST_SEEDS
@@ -19,7 +20,6 @@
 #include "faults/eventful_tree.h"
 #include "faults/fault_fixture.h"
 #include "support/program.h"
-#include "support/repeated.h"
 #include "support/resp.h"
 #include "support/sandbox.h"
 #include "support/test_factor.h"
@@ -27,8 +27,6 @@
 namespace {
 
 const std::string kPassword = "secret";
-const std::string kLostReply = "Failed to get reply\n";
-const std::string kFlushFailed = ">>> Fail to write rest of data into redis\n";
 
 bool CutsEverything() { return TestFactor() >= 10; }
 
@@ -49,12 +47,6 @@ std::vector<Place> Places(const std::vector<model::Flight>& flights) {
     }
   }
   return places;
-}
-
-// What comes after the first lines that are this one.
-std::string After(const std::string& line, std::string text) {
-  while (text.compare(0, line.size(), line) == 0) text.erase(0, line.size());
-  return text;
 }
 
 class CutEverywhere : public FaultTest {
@@ -139,40 +131,6 @@ class CutEverywhere : public FaultTest {
     EXPECT_EQ(model::Dump(run.store), model::Dump(expected.store));
   }
 
-  // What the rules say of a cut before the reply to this command, as far as that is simple; so that
-  // the model is not the only witness.
-  static void ExpectRules(const Subject& subject, const Place& place,
-                          const std::vector<Place>& places, const model::Outcome& outcome) {
-    const std::vector<std::string>& arguments = subject.arguments;
-    EXPECT_EQ(outcome.status, 255);
-    EXPECT_EQ(outcome.out, "");
-    const std::size_t lost = place.flight_size - place.index;
-    if (place.name == "AUTH") {
-      EXPECT_EQ(outcome.err, "Failed to connect to Redis\n");
-    } else if (place.name == "KEYS") {
-      // Passed over; the first flush finds out.
-      const auto writes = std::count_if(places.begin(), places.end(),
-                                        [](const Place& other) { return other.name == "HSET"; });
-      EXPECT_EQ(outcome.err, Repeated(kLostReply, static_cast<std::size_t>(writes)) + kFlushFailed);
-    } else if (place.name == "DEL") {
-      EXPECT_EQ(outcome.err, kLostReply + "Fail to remove resource tree\n");
-    } else if (place.flight_size > 1 || place.name == "HSET" || place.name == "RPUSH") {
-      EXPECT_EQ(outcome.err, Repeated(kLostReply, lost) + kFlushFailed);
-    } else {
-      // Pruning fails without a word; only a failing last member makes the file fail.
-      EXPECT_EQ(arguments.front(), "update");
-      const std::string end = After(kLostReply, outcome.err);
-      const std::string file_failed = ">>> Error occurs while parsing file ";
-      if (end.compare(0, file_failed.size(), file_failed) == 0) {
-        EXPECT_EQ(std::count(end.begin(), end.end(), '\n'), 1);
-        EXPECT_EQ(end, outcome.err) << "nothing is flushed after that";
-      } else {
-        EXPECT_EQ(end, kFlushFailed);
-        EXPECT_NE(end, outcome.err) << "an empty flush cannot fail";
-      }
-    }
-  }
-
   void CutBeforeReplies(const Subject& subject) {
     const std::vector<Place> places = Places(subject.whole.flights);
     for (std::size_t k = 0; k < places.size(); ++k) {
@@ -180,10 +138,8 @@ class CutEverywhere : public FaultTest {
       if (is_inside && k % 3 != 0 && !CutsEverything()) continue;
       SCOPED_TRACE(subject.arguments.front() + ", cut before reply " + std::to_string(k) + ", to " +
                    places[k].name);
-      const model::Outcome outcome =
-          Cut(subject, {k, false}, k,
-              [&](ScriptedServer& server, Ending ending) { server.CloseBeforeReply(k, ending); });
-      ExpectRules(subject, places[k], places, outcome);
+      Cut(subject, {k, false}, k,
+          [&](ScriptedServer& server, Ending ending) { server.CloseBeforeReply(k, ending); });
       if (HasFailure()) return;
     }
   }
@@ -274,21 +230,6 @@ TEST_F(CutEverywhere, AnEmptyCreateSucceedsAllTheSame) {
       EXPECT_EQ(outcome.err, "");
       EXPECT_EQ(outcome.status, 0);
     }
-  }
-}
-
-// The server is gone when the pipeline is written: the signal of the broken pipe must not end the
-// run, and every reply is missed.
-TEST_F(CutEverywhere, APipelineThatMeetsAClosedConnectionLosesEveryReply) {
-  const std::string file = tree.Write("a.json", R"({"A": 1, "B": 2, "C": 3})");
-  const Subject create = MakeSubject("create", file, {});
-  for (std::size_t turn = 0; turn < 4; ++turn) {
-    // After AUTH and three times KEYS.
-    const model::Outcome outcome =
-        Cut(create, {4, true}, turn,
-            [](ScriptedServer& server, Ending ending) { server.CloseAfterReply(3, ending); });
-    EXPECT_EQ(outcome.err, Repeated(kLostReply, 3) + kFlushFailed);
-    EXPECT_EQ(outcome.status, 255);
   }
 }
 

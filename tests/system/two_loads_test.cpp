@@ -84,13 +84,4 @@ TEST_F(TwoLoads, WaitForOneAnotherWithALockOnAFolder) {
   EXPECT_EQ(store.Dump(), right);
 }
 
-TEST_F(TwoLoads, DoNotStartWhereTheFolderOfTheLockIsMissing) {
-  Load(create);
-  const TempDirectory parent;
-  const Finished run = LoadBeside({"/usr/bin/flock", parent.path("none/")});
-  EXPECT_NE(run.status, 0);
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(store.Dump(), right);
-}
-
 }  // namespace
