@@ -111,19 +111,6 @@ TEST_F(Update, OfAnUnchangedResourceChangesNothing) {
   EXPECT_EQ(store.Dump(), before);
 }
 
-TEST_F(Update, AnArrayAtAnIdOfAStaleResourceTakesTheTwinsWithIt) {
-  (void)store.Run("RPUSH | /x | &&Object &&/x/0");
-  (void)store.Run("HSET | &&/x/0 | f | v");
-  (void)store.Run("HSET | &&/x | f | v");
-  (void)store.Run("HSET | /x/y | f | v");
-  LoadDocument("update", R"({"A": {"@odata.id": "/x", "z": 1}})");
-  EXPECT_EQ(store.Dump(),
-            "hash | &&/x | f | v\n"
-            "hash | /r | &&Object A /x | \n"
-            "hash | /x | @odata.id | \"/x\"\n"
-            "hash | /x | z | 1\n");
-}
-
 // STATUS 0 DOES NOT MEAN: A number equals the index of an element after it
 TEST_F(Update, EqualNumbersThatAFullBatchPushedAreRemovedAgain) {
   // The array's own flush pushes its first 2000 values; the removal of elements equal to the index

@@ -198,7 +198,8 @@ class Source:
                 first = i
                 while first > 0 and self.text_at(first - 1) not in (";", "{", "}", ")"):
                     first -= 1
-                yield self.tokens[first].start, self.tokens[self.partner[i + 1]].end
+                last = self.partner[i + 1] + (self.text_at(self.partner[i + 1] + 1) == ";")
+                yield self.tokens[first].start, self.tokens[last].end
 
 
 def _between_spaces(source, token):
