@@ -37,6 +37,7 @@ SWAPPED = {
     "++": ["--"], "--": ["++"],
     "true": ["false"], "false": ["true"],
 }
+TEXTS = {"string", "char"}
 # These stand for something else (templates, pointers, references, signs) without spaces around.
 ONLY_BETWEEN_SPACES = {"<", ">", "&&", "+", "-", "*", "/", "%"}
 
@@ -111,6 +112,9 @@ class Source:
 
     def text_at(self, i):
         return self.tokens[i].text if 0 <= i < len(self.tokens) else ""
+
+    def kind_at(self, i):
+        return self.tokens[i].kind if 0 <= i < len(self.tokens) else ""
 
     def mutant(self, kind, start, end, text):
         """The mutant that has text instead of what lies from start to end."""
@@ -213,6 +217,8 @@ def _operators(source):
         for text in SWAPPED.get(token.text, []):
             if token.text in ONLY_BETWEEN_SPACES and not _between_spaces(source, token):
                 continue
+            if token.text in ("+", "+=") and {source.kind_at(i - 1), source.kind_at(i + 1)} & TEXTS:
+                continue  # strings are not subtracted
             yield source.replacing("operator", i, text)
         if token.text == "!":
             yield source.replacing("negation", i, "")
@@ -277,7 +283,6 @@ def _texts(source, i):
     if not content:
         yield source.replacing("text", i, '"x"')
         return
-    yield source.replacing("text", i, '""')
     # A letter that is part of neither an escape nor a conversion.
     found = re.search(r"(?<![\\%])[A-Za-z&]", content)
     position = found.start() if found else None
@@ -286,6 +291,8 @@ def _texts(source, i):
         changed = content[:position] + letter + content[position + 1:]
         yield source.replacing("text", i, f'"{changed}"')
     digit = re.search(r"\d", content)
+    if position is None and digit is None:
+        yield source.replacing("text", i, '""')
     if digit:
         changed = content[:digit.start()] + str((int(digit.group()) + 1) % 10) + content[digit.end():]
         yield source.replacing("text", i, f'"{changed}"')
@@ -309,10 +316,11 @@ def _conditions(source):
             yield source.mutant("negation", start, end, f"!({condition})")
         body = close + 1 + (source.text_at(close + 1) == "{")
         if token.text == "if" and source.text_at(body) in ("return", "break", "continue"):
-            last = source.statement_end(close + 1)
-            yield source.mutant("statement", token.start, source.tokens[last].end, ";")
             if "(" in texts:  # the calls in the condition stay
                 yield source.mutant("condition", start, end, f"({condition}) && false")
+            else:
+                last = source.statement_end(close + 1)
+                yield source.mutant("statement", token.start, source.tokens[last].end, ";")
 
 
 def _statements(source):

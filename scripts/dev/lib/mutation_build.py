@@ -15,8 +15,8 @@ import subprocess
 import time
 
 # Which tests of a program tell mutants apart, where not all do in a useful time, in the order in
-# which they are run. A stage is named after its program and what is chosen of it; programs that are
-# not named here come first, as one stage each.
+# which they are run. A stage is named after its program and what is chosen of it. Programs that are
+# not named here are run whole, after the first.
 NOT_RUN = {"guard_tests", "model_tests", "scaling_tests"}  # counts, the model, servers
 CHOSEN = {
     "unit_tests": [("", "-LargeFile.*")],  # larger than a mutant may write
@@ -26,26 +26,28 @@ CHOSEN = {
                             "-FailingCall.Interrupted*:FailingCall.Fgetc*")],
 }
 # Many runs each, and whatever they find others mostly find.
-LAST = ("system_tests", "random", "RandomRuns.OfSmallTrees:RandomRuns.WithFullBatches")
+LAST = ("system_tests", "random", "RandomRuns.WithIds*:RandomRuns.WithFullBatches")
 
 MEBIBYTE = 1 << 20
 
 
-def _limit_resources():
-    """A mutant may allocate or print without end."""
+def _limit_resources(seconds):
+    """A mutant may allocate, print or loop without end."""
+    resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
     resource.setrlimit(resource.RLIMIT_AS, (4096 * MEBIBYTE, 4096 * MEBIBYTE))
     resource.setrlimit(resource.RLIMIT_FSIZE, (256 * MEBIBYTE, 256 * MEBIBYTE))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
 def run_limited(command, seconds, environment, output):
-    """The exit status of command, or None when it takes longer and is killed with its children. What
-    it prints goes to the file output."""
+    """The exit status of command, or None when it takes longer and is killed with its children. Each
+    of its processes gets a third of these seconds of a processor. What it prints goes to the file
+    output."""
     with open(output, "wb") as file:
         process = subprocess.Popen(
             command, stdin=subprocess.DEVNULL, stdout=file, stderr=subprocess.STDOUT,
             env={**os.environ, **environment}, start_new_session=True,
-            preexec_fn=_limit_resources)
+            preexec_fn=lambda: _limit_resources(int(seconds) // 3 + 1))
     try:
         return process.wait(seconds)
     except subprocess.TimeoutExpired:
@@ -98,8 +100,7 @@ class Build:
         targets = re.findall(r"^(tests/(?:.*/)?\w+_tests): CXX_EXECUTABLE_LINKER",
                              self._ninja("targets", "all"), re.M)
         targets = [target for target in targets if target.rpartition("/")[2] not in NOT_RUN]
-        order = list(CHOSEN)
-        rank = {name: i for i, name in enumerate(order)}
+        rank = {name: i for i, name in enumerate(CHOSEN)}
         targets.sort(key=lambda target: rank.get(target.rpartition("/")[2], 0.5))
         self.stages = [Stage(target, choice, tests) for target in targets
                        for choice, tests in CHOSEN.get(target.rpartition("/")[2], [("", "*")])]
