@@ -8,6 +8,7 @@
 
 #include <array>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -102,36 +103,72 @@ TEST_F(Documents, AFailedMemberLeavesWhatWasSentAndDropsWhatWaits) {
   EXPECT_EQ(store.Run("HLEN | /r").integer, 2000);
 }
 
-// Standard error of the program in the next test: a pipe that is full.
-int full_pipe = -1;
+// Both ends of something that takes no more until it is read. A line waits for a terminal at once,
+// for a pipe only on standard error.
+struct FullOutput {
+  int reader;
+  int writer;
+};
 
-TEST_F(Documents, AFailedWriterIsReportedAfterTheConnectionIsClosed) {
-  const std::string file = tree.Write("a.json", R"({"Bad": {"@odata.id": 1}})");
+FullOutput Fill(int reader, int writer) {
+  EXPECT_EQ(fcntl(writer, F_SETFL, O_NONBLOCK), 0);
+  while (write(writer, "x", 1) == 1) continue;
+  EXPECT_EQ(fcntl(writer, F_SETFL, 0), 0);  // the program waits for room to write
+  return {reader, writer};
+}
+
+FullOutput FullPipe() {
   std::array<int, 2> ends = {};
-  ASSERT_EQ(pipe2(ends.data(), O_NONBLOCK), 0);
-  full_pipe = ends[1];
-  while (write(full_pipe, "x", 1) == 1) continue;
-  ASSERT_EQ(fcntl(full_pipe, F_SETFL, 0), 0);  // the program waits for room to write
-  RunOptions options;
-  options.in_child = [] { (void)dup2(full_pipe, STDERR_FILENO); };
-  bool was_closed_before = false;
-  std::thread reader;
-  plan = [&](Recorder& recorder) {
-    reader = std::thread([&] {
-      const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-      while (!was_closed_before && std::chrono::steady_clock::now() < deadline) {
-        was_closed_before = recorder.ClosedByClient() == 1;
-      }
-      (void)close(full_pipe);
-      std::array<char, 4096> buffer = {};
-      pollfd wait = {ends[0], POLLIN, 0};
-      while (poll(&wait, 1, 20000) > 0 && read(ends[0], buffer.data(), buffer.size()) > 0) continue;
-    });
-  };
-  EXPECT_EQ(Ostrafel({"create", file, "/r"}, options).status, 255);
-  reader.join();
-  (void)close(ends[0]);
-  EXPECT_TRUE(was_closed_before);
+  EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+  return Fill(ends[0], ends[1]);
+}
+
+FullOutput FullTerminal() {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  EXPECT_EQ(grantpt(terminal), 0);
+  EXPECT_EQ(unlockpt(terminal), 0);
+  return Fill(terminal, open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC));
+}
+
+// What the program gets in the next test, and as which descriptor.
+int full_output = -1;
+int replaced_descriptor = -1;
+
+TEST_F(Documents, TheLastLineComesAfterTheConnectionIsClosed) {
+  const struct {
+    const char* document;
+    FullOutput output;
+    int descriptor;
+    int status;
+  } cases[] = {{R"({"Bad": {"@odata.id": 1}})", FullPipe(), STDERR_FILENO, 255},
+               {R"({"A": 1})", FullTerminal(), STDOUT_FILENO, 0}};
+  for (const auto& c : cases) {
+    const int reader = c.output.reader;
+    full_output = c.output.writer;
+    replaced_descriptor = c.descriptor;
+    RunOptions options;
+    options.in_child = [] { (void)dup2(full_output, replaced_descriptor); };
+    bool was_closed_before = false;
+    std::thread drain;
+    plan = [&](Recorder& recorder) {
+      drain = std::thread([&] {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!was_closed_before && std::chrono::steady_clock::now() < deadline) {
+          was_closed_before = recorder.ClosedByClient() == 1;
+        }
+        (void)close(full_output);
+        std::array<char, 4096> buffer = {};
+        pollfd wait = {reader, POLLIN, 0};
+        while (poll(&wait, 1, 20000) > 0 && read(reader, buffer.data(), buffer.size()) > 0)
+          continue;
+      });
+    };
+    const std::string file = tree.Write("a.json", c.document);
+    EXPECT_EQ(Ostrafel({"create", file, "/r"}, options).status, c.status);
+    drain.join();
+    (void)close(reader);
+    EXPECT_TRUE(was_closed_before) << c.document;
+  }
 }
 
 }  // namespace
