@@ -27,7 +27,7 @@ namespace ostrafel {
 
 namespace {
 
-const std::string kNoReply = "Failed to get reply\n";
+const std::string kNoReplyLine = "Failed to get reply\n";
 
 class BrokenPipeline : public testing::Test {
  protected:
@@ -62,7 +62,7 @@ class BrokenPipeline : public testing::Test {
       EXPECT_FALSE(ReadPipelinedReply(pipeline, &reply));
       EXPECT_EQ(reply, nullptr);
     }
-    EXPECT_TRUE(testing::internal::GetCapturedStderr() == Repeated(kNoReply, pipeline.count));
+    EXPECT_TRUE(testing::internal::GetCapturedStderr() == Repeated(kNoReplyLine, pipeline.count));
   }
 
   // What this prints, which must return 0.
@@ -150,7 +150,7 @@ TEST_F(BrokenPipeline, FailsTheFlushOfValues) {
   for (std::size_t i = 0; i < kItems; ++i) {
     EXPECT_EQ(PutListItem(nullptr, "key", {kValue.c_str()}), 1U);
   }
-  EXPECT_TRUE(Printed(FlushListBatch) == Repeated(kNoReply, kItems));
+  EXPECT_TRUE(Printed(FlushListBatch) == Repeated(kNoReplyLine, kItems));
   EXPECT_TRUE(Store->ListBatch.empty());
 }
 
@@ -159,7 +159,7 @@ TEST_F(BrokenPipeline, FailsTheFlushOfFields) {
   for (std::size_t i = 0; i < kItems; ++i) {
     EXPECT_EQ(PutHashField(nullptr, "key", {std::to_string(i).c_str()}, kValue.c_str()), 1U);
   }
-  EXPECT_TRUE(Printed(FlushHashBatch) == Repeated(kNoReply, kItems));
+  EXPECT_TRUE(Printed(FlushHashBatch) == Repeated(kNoReplyLine, kItems));
   EXPECT_TRUE(Store->HashBatch.empty());
 }
 
@@ -168,7 +168,7 @@ TEST_F(BrokenPipeline, FailsTheFlushOfRemovals) {
   for (std::size_t i = 0; i < kItems; ++i) {
     EXPECT_EQ(QueueRemoval(nullptr, kValue + std::to_string(i), {}, RemoveKey), 1U);
   }
-  EXPECT_TRUE(Printed(FlushRemovalBatch) == Repeated(kNoReply, kItems));
+  EXPECT_TRUE(Printed(FlushRemovalBatch) == Repeated(kNoReplyLine, kItems));
   EXPECT_TRUE(Store->RemovalBatch.keys.empty());
 }
 
@@ -178,7 +178,7 @@ TEST_F(BrokenPipeline, FailsTheRemovalOfATreeAtOnce) {
     store["/r/" + kValue + std::to_string(i)].value = model::List{"v"};
   }
   ASSERT_NO_FATAL_FAILURE(Connect({"DEL", 1, kAllAnswers}, store));
-  EXPECT_EQ(Printed([](Server* server) { return RemoveResourceTree(server, "/r"); }), kNoReply);
+  EXPECT_EQ(Printed([](Server* server) { return RemoveResourceTree(server, "/r"); }), kNoReplyLine);
 }
 
 }  // namespace
