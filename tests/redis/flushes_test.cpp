@@ -66,28 +66,6 @@ TEST_F(HashBatching, TheLastValueQueuedForAFieldWins) {
   EXPECT_EQ(Sent(), "HSET | k | f | 2\n");
 }
 
-TEST_F(HashBatching, AReplacedFieldIsGood) {
-  (void)store.Run("HSET | k | f | old");
-  ASSERT_EQ(PutHashField(server(), "k", {"f"}, "new"), 1U);
-  EXPECT_EQ(FlushHashBatch(server()), 1U);  // HSET answers 0
-  EXPECT_EQ(store.Dump(), "hash | k | f | new\n");
-}
-
-TEST_F(HashBatching, AKeyThatHoldsAListIsReportedOnceAndTheRestIsStored) {
-  (void)store.Run("RPUSH | b | x");
-  (void)store.Run("RPUSH | c | x");
-  for (const char* key : {"a", "b", "c", "d"})
-    ASSERT_EQ(PutHashField(server(), key, {"f"}, "1"), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushHashBatch(server()), 0U); }), kHashMessage);
-  EXPECT_TRUE(Store->HashBatch.empty());
-  EXPECT_EQ(store.Dump(),
-            "hash | a | f | 1\n"
-            "list | b | x\n"
-            "list | c | x\n"
-            "hash | d | f | 1\n");
-  EXPECT_EQ(FlushHashBatch(server()), 1U);
-}
-
 TEST_F(HashBatching, The2001stFieldFlushesRemovalsAndThenFields) {
   Store->RemovalBatch.keys.emplace_back("stale");
   ASSERT_EQ(PutListItem(server(), "list", {"waits"}), 1U);
@@ -153,21 +131,6 @@ TEST_F(ListBatching, KeysGoInAscendingOrderAndValuesInQueueOrder) {
             "RPUSH | b | y\n");
 }
 
-TEST_F(ListBatching, AKeyThatHoldsAHashIsReportedOnceAndEveryReplyIsRead) {
-  (void)store.Run("HSET | b | f | v");
-  for (const char* key : {"a", "b", "b", "c"}) ASSERT_EQ(PutListItem(server(), key, {"1"}), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(server()), 0U); }), kListMessage);
-  EXPECT_TRUE(Store->ListBatch.empty());
-  // The connection is in step: the next command gets its own reply.
-  ASSERT_EQ(PutListItem(server(), "d", {"1"}), 1U);
-  EXPECT_EQ(FlushListBatch(server()), 1U);
-  EXPECT_EQ(store.Dump(),
-            "list | a | 1\n"
-            "hash | b | f | v\n"
-            "list | c | 1\n"
-            "list | d | 1\n");
-}
-
 TEST_F(ListBatching, ALengthOfZeroIsBad) {
   recorder.Answer(0, ":1\r\n:0\r\n:1\r\n");
   for (const char* value : {"1", "2", "3"}) ASSERT_EQ(PutListItem(server(), "a", {value}), 1U);
@@ -209,15 +172,6 @@ TEST_F(ListBatching, AFailedFlushQueuesNothingAndTheNextPutFlushesAgain) {
   EXPECT_EQ(Store->ListBatchCount, 1U);
 }
 
-TEST_F(ListBatching, AFailedRemovalKeepsTheValuesWaiting) {
-  (void)store.Run("SET | other | in the way");
-  Store->RemovalBatch.list_values["other"].emplace_back("v");
-  for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutListItem(server(), "k", {"v"}), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(PutListItem(server(), "k", {"w"}), 0U); }), kRemovalMessage);
-  EXPECT_EQ(Store->ListBatchCount, 2000U);
-  EXPECT_EQ(PendingValues().at("k").size(), 2000U);
-}
-
 TEST_F(RemovalBatching, KeysGoBeforeListValuesBeforeFields) {
   Store->RemovalBatch.keys = {"z", "a", "z"};
   Store->RemovalBatch.list_values["l2"] = {"v"};
@@ -238,31 +192,6 @@ TEST_F(RemovalBatching, KeysGoBeforeListValuesBeforeFields) {
             "HDEL | h1 | \n"
             "HDEL | h1 | f\n"
             "HDEL | h2 | f\n");
-}
-
-TEST_F(RemovalBatching, RemovesWhatIsThereAndTakesWhatIsNotAsGood) {
-  (void)store.Run("HSET | h | f | 1 | g | 2");
-  (void)store.Run("RPUSH | l | a | b | a | c | a");
-  (void)store.Run("SET | k | v");
-  Store->RemovalBatch.keys = {"k", "none"};
-  Store->RemovalBatch.list_values["l"] = {"a", "none"};
-  Store->RemovalBatch.hash_fields["h"] = {"f", "none"};
-  Store->RemovalBatch.hash_fields["none"] = {"f"};
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushRemovalBatch(server()), 1U); }), "");
-  EXPECT_EQ(store.Dump(),
-            "hash | h | g | 2\n"
-            "list | l | b\n"
-            "list | l | c\n");
-}
-
-TEST_F(RemovalBatching, AKeyOfAnotherTypeIsReportedOnceAndTheBatchIsEmptied) {
-  (void)store.Run("SET | s | v");
-  Store->RemovalBatch.keys = {"k"};
-  Store->RemovalBatch.list_values["s"] = {"a"};
-  Store->RemovalBatch.hash_fields["s"] = {"f"};
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushRemovalBatch(server()), 0U); }), kRemovalMessage);
-  EXPECT_EQ(PendingRemovalsText(), "");
-  EXPECT_EQ(FlushRemovalBatch(server()), 1U);
 }
 
 TEST_F(BrokenFlush, EveryReplyThatCannotBeReadIsReported) {

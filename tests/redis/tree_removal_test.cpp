@@ -44,18 +44,6 @@ TEST_F(TreeRemoval, AUriThatEndsWithASlashIsSearchedWithoutAnother) {
   EXPECT_NE(sent.find("--\nkeys | &&/redfish/v1/*\n"), std::string::npos);
 }
 
-TEST_F(TreeRemoval, NeighboursAndTheTwinOfTheUriStay) {
-  Fill({"/redfish/v1/Systems", "/redfish/v1/Systems/1", "/redfish/v1/Systems/1/Bios",
-        "&&/redfish/v1/Systems/1/Status", "/redfish/v1/SystemsX", "&&/redfish/v1/Systems",
-        "&&/redfish/v1/SystemsX/A", "/redfish/v1"});
-  EXPECT_EQ(RemoveResourceTree(server(), "/redfish/v1/Systems"), 1U);
-  EXPECT_EQ(store.Dump(),
-            "string | &&/redfish/v1/Systems | v\n"
-            "string | &&/redfish/v1/SystemsX/A | v\n"
-            "string | /redfish/v1 | v\n"
-            "string | /redfish/v1/SystemsX | v\n");
-}
-
 TEST_F(TreeRemoval, TheKeysOfOnePatternGoInOnePipelineBeforeTheNextSearch) {
   Fill({"/r", "/r/A", "&&/r/B"});
   EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U);
@@ -86,15 +74,6 @@ TEST_F(TreeRemoval, EveryKeyHasACommandOfItsOwnInTheOrderFound) {
             "del | c\n"
             "--\n"
             "keys | &&/r/*\n");
-}
-
-TEST_F(TreeRemoval, GlobCharactersInTheUriMatchAsGlobs) {
-  Fill({"/r1", "/r2", "/r1/A", "&&/r2/A", "/q1"});
-  EXPECT_EQ(RemoveResourceTree(server(), "/r?"), 1U);
-  EXPECT_EQ(store.Dump(), "string | /q1 | v\n");
-  Fill({"/q1", "/x", "/q2/A"});
-  EXPECT_EQ(RemoveResourceTree(server(), "/q*"), 1U);
-  EXPECT_EQ(store.Dump(), "string | /x | v\n");
 }
 
 TEST_F(TreeRemoval, TheAnswersOfDeletionsDoNotMatter) {

@@ -33,19 +33,6 @@ TEST_F(MatchingKeys, AreFoundThroughEveryCursor) {
             "SCAN | 5 | MATCH | /p/* | COUNT | 1000\n");
 }
 
-TEST_F(MatchingKeys, OfALargeStoreAreAllFound) {
-  for (int i = 0; i < 3000; ++i) {
-    (void)store.Run(model::Command{"SET", "/p/" + std::to_string(i), "v"});
-    (void)store.Run(model::Command{"SET", "/q/" + std::to_string(i), "v"});
-  }
-  EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 1U);
-  // The first 2000 went when the batch was full.
-  EXPECT_GE(Store->RemovalBatch.keys.size(), 1000U);
-  EXPECT_EQ(FlushRemovalBatch(server()), 1U);
-  for (const auto& entry : store.Contents()) ASSERT_EQ(entry.first.substr(0, 3), "/q/");
-  EXPECT_EQ(store.Contents().size(), 3000U);
-}
-
 TEST_F(MatchingKeys, ACursorIsNarrowedToAnInt) {
   recorder.Answer(0, "*2\r\n$10\r\n4294967301\r\n*0\r\n");
   recorder.Answer(1, "*2\r\n$1\r\n0\r\n*0\r\n");
@@ -94,16 +81,6 @@ TEST_F(MatchingFields, AreTakenFromEverySecondItem) {
   EXPECT_EQ(RemoveMatchingFields(server(), "h", "x *"), 1U);
   EXPECT_EQ(PendingRemovalsText(), "HDEL | h | a\nHDEL | h | b\nHDEL | h | c\n");
   EXPECT_EQ(Sent(), "HSCAN | h | 0 | MATCH | x *\n--\nHSCAN | h | 3 | MATCH | x *\n");
-}
-
-TEST_F(MatchingFields, OfALargeHashAreAllFound) {
-  for (int i = 0; i < 1500; ++i) {
-    (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef A /" + std::to_string(i), ""});
-    (void)store.Run(model::Command{"HSET", "h", "&&ObjectRef B /" + std::to_string(i), ""});
-  }
-  EXPECT_EQ(RemoveMatchingFields(server(), "h", "&&ObjectRef A *"), 1U);
-  EXPECT_EQ(FlushRemovalBatch(server()), 1U);
-  EXPECT_EQ(store.Run("HLEN | h").integer, 1500);
 }
 
 TEST_F(MatchingFields, AMalformedAnswerFails) {

@@ -16,7 +16,6 @@ namespace {
 
 class Pruning : public StoreTest {};
 class StaleKeys : public StoreTest {};
-class PlainLists : public StoreTest {};
 
 // The removals that leave a hash for every former shape of one of its members.
 std::string FieldRemovals(const std::string& key, const std::string& name,
@@ -110,12 +109,6 @@ TEST_F(Pruning, StopsWhenTheTypeCannotBeRead) {
   EXPECT_EQ(Sent(), "TYPE | &&/r/A\n");
 }
 
-TEST_F(Pruning, KeepsWhatItQueuedWhenTheLinksCannotBeRead) {
-  (void)store.Run("SET | /r | in the way");
-  EXPECT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 0U);
-  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
-}
-
 TEST_F(Pruning, StopsAtAFailedFlush) {
   FillRemovalBatch(&store);
   EXPECT_EQ(Printed([&] {
@@ -146,35 +139,6 @@ TEST_F(StaleKeys, StopAtAFailedFlush) {
   EXPECT_EQ(Sent(), "TYPE | /c\n--\nHDEL | no hash | f\n");
 }
 
-TEST_F(StaleKeys, WhatIsThereIsComparedWithWhatIsExpected) {
-  const struct {
-    const char* fill;
-    ExpectedKind expected;
-    bool is_stale;
-  } cases[] = {
-      {nullptr, StoredHash, false},
-      {nullptr, StoredList, false},
-      {nullptr, StoredNone, false},
-      {"HSET | k | f | v", StoredHash, false},
-      {"HSET | k | f | v", StoredList, true},
-      {"HSET | k | f | v", StoredNone, true},
-      {"RPUSH | k | v", StoredHash, true},
-      {"RPUSH | k | v", StoredList, true},  // lists are rebuilt whole
-      {"RPUSH | k | v", StoredNone, true},
-      {"SET | k | v", StoredHash, true},
-      {"SET | k | v", StoredList, true},
-      {"SET | k | v", StoredNone, true},
-  };
-  for (const auto& c : cases) {
-    (void)store.Run("FLUSHALL");
-    Store.emplace();
-    if (c.fill != nullptr) (void)store.Run(c.fill);
-    EXPECT_EQ(PruneStaleKey(server(), "k", c.expected), 1U);
-    EXPECT_EQ(PendingRemovalsText(), c.is_stale ? "UNLINK | k\n" : "")
-        << (c.fill == nullptr ? "nothing" : c.fill) << " as " << c.expected;
-  }
-}
-
 TEST_F(StaleKeys, ATypeThatOnlyBeginsWithNoneIsNothing) {
   recorder.Answer(0, "+nonesuch\r\n");
   EXPECT_EQ(PruneStaleKey(server(), "k", StoredHash), 1U);
@@ -202,13 +166,6 @@ TEST_F(StaleKeys, AListOfRecordsIsScannedBelow) {
   EXPECT_EQ(Sent(),
             "TYPE | &&/r/A\n--\nLINDEX | &&/r/A | 0\n--\n"
             "SCAN | 0 | MATCH | &&/r/A/* | COUNT | 1000\n");
-}
-
-TEST_F(StaleKeys, AMarkerWithNothingBehindItIsAPlainValue) {
-  (void)store.Run(model::Command{"RPUSH", "&&/r/A", "&&Object "});
-  (void)store.Run("HSET | &&/r/A/0 | x | 1");
-  EXPECT_EQ(PruneStaleKey(server(), "&&/r/A", StoredNone), 1U);
-  EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A\n");
 }
 
 TEST_F(StaleKeys, AResourcesTwinsGoWithItButNotTheTwinKeyItself) {
@@ -269,13 +226,6 @@ TEST_F(StaleKeys, ASubtreeInsideAPrunedOneIsNotScanned) {
   EXPECT_EQ(Sent(), "TYPE | /c/x\n");
 }
 
-TEST_F(StaleKeys, GlobCharactersMatchAsGlobs) {
-  (void)store.Run("HSET | &&/r/A* | f | v");
-  (void)store.Run("HSET | &&/r/AB/x | f | v");
-  EXPECT_EQ(PruneStaleKey(server(), "&&/r/A*", StoredNone), 1U);
-  EXPECT_EQ(PendingRemovalsText(), "UNLINK | &&/r/A*\nUNLINK | &&/r/AB/x\n");
-}
-
 TEST_F(StaleKeys, FailWhenTheTypeIsNoStatus) {
   std::size_t flight = 0;
   for (const char* reply : {"-ERR no\r\n", "$4\r\nnone\r\n", ":1\r\n", "$-1\r\n", "*0\r\n"}) {
@@ -292,36 +242,6 @@ TEST_F(StaleKeys, FailWhenTheScanFails) {
   EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 0U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\n");  // what was queued stays
   EXPECT_EQ(Sent(), "TYPE | /c\n--\nSCAN | 0 | MATCH | /c/* | COUNT | 1000\n");
-}
-
-TEST_F(PlainLists, AreToldByTheirFirstElement) {
-  const struct {
-    const char* first;
-    unsigned is_plain;
-  } cases[] = {
-      {"1", 1U},
-      {"\"text\"", 1U},
-      {"&&Array ", 1U},
-      {"&&Array x", 0U},
-      {"&&Object ", 1U},
-      {"&&Object &&/r/A/0", 0U},
-      {"&&ObjectRef ", 1U},
-      {"&&ObjectRef /x", 0U},
-      {"&&ObjectRefs /x", 1U},
-      {"&&array x", 1U},
-      {"", 1U},
-  };
-  for (const auto& c : cases) {
-    (void)store.Run("FLUSHALL");
-    (void)store.Run(model::Command{"RPUSH", "l", c.first, "&&Object x"});
-    EXPECT_EQ(IsPlainList(server(), "l"), c.is_plain) << c.first;
-  }
-}
-
-TEST_F(PlainLists, AreNeitherMissingNorOfAnotherType) {
-  EXPECT_EQ(IsPlainList(server(), "none"), 0U);
-  (void)store.Run("HSET | h | f | v");
-  EXPECT_EQ(IsPlainList(server(), "h"), 0U);
 }
 
 }  // namespace

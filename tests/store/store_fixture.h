@@ -7,12 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <map>
 #include <string>
-#include <vector>
 
-#include "document/document.h"
 #include "redis/redis_server.h"
+#include "store/pending.h"
 #include "support/recorder.h"
 #include "support/test_store.h"
 
@@ -48,16 +46,6 @@ class StoreTest : public testing::Test {
 /// Makes a later QueueRemoval fail, after this many that succeed: the batch is full by then, and
 /// its flush will be refused because it holds a field of a key that is no hash.
 void FillRemovalBatch(TestStore* store, std::uint32_t removals_before = 0);
-
-/// What waits in HashBatch and in ListBatch.
-std::map<std::string, std::map<std::string, std::string>> PendingFields();
-std::map<std::string, std::vector<std::string>> PendingValues();
-
-/// The pending removals, as the commands that a flush would send.
-std::string PendingRemovalsText();
-
-/// A value from its JSON text, which must be an object or an array.
-Document Parse(const std::string& json);
 
 }  // namespace ostrafel
 
