@@ -42,8 +42,6 @@ void PrintMessage(const char* format, ...) {
 
 // NOLINTEND(cert-dcl50-cpp,clang-analyzer-valist.Uninitialized)
 
-void PrintLengthError(const std::length_error& error) {
-  PrintMessage("Failed to push data: %s.\n", error.what());
-}
+void PrintLengthError(const char* what) { PrintMessage("Failed to push data: %s.\n", what); }
 
 }  // namespace ostrafel

@@ -5,7 +5,6 @@
 #ifndef OSTRAFEL_BASE_MESSAGE_H_
 #define OSTRAFEL_BASE_MESSAGE_H_
 
-#include <stdexcept>
 #include <string>
 
 namespace ostrafel {
@@ -20,9 +19,9 @@ extern MessageState Messages;
 /// print is not reported: nobody could read of it.
 [[gnu::format(printf, 1, 2)]] void PrintMessage(const char* format, ...);
 
-/// Prints "Failed to push data: %s.\n", which says that a string or a list has grown longer than
-/// the standard library takes.
-void PrintLengthError(const std::length_error& error);
+/// Prints "Failed to push data: %s.\n" with what a length_error of the standard library says: a
+/// string or a list has grown longer than it takes.
+void PrintLengthError(const char* what);
 
 }  // namespace ostrafel
 

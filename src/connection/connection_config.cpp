@@ -7,11 +7,13 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "base/files.h"
+#include "base/message.h"
 #include "connection/connection_state.h"
 
 namespace ostrafel {
@@ -54,7 +56,7 @@ std::optional<std::int32_t> ParsePort(const std::string& text) {
   const long port = std::strtol(text.c_str(), nullptr, 10);
   if (port < 0) return std::nullopt;
   if (errno == ERANGE && port == LONG_MAX) {
-    std::perror("strtol");
+    PrintMessage("strtol: %s\n", std::strerror(errno));
     return std::nullopt;
   }
   // Where long has 64 bits, only the low 32 count.
@@ -69,7 +71,7 @@ std::optional<std::string> ReadConfigValue(const char* key, const std::string& d
   path.resize(std::min(path.size(), kLineSize - 1));
   const File file(std::fopen(path.c_str(), "r"));
   if (!file) {
-    std::perror("fopen");
+    PrintMessage("fopen: %s\n", std::strerror(errno));
     return std::nullopt;
   }
   return ReadLine(file.get());

@@ -28,21 +28,21 @@ struct ConnectionConfig {
 ///
 /// A socket path with port 0 gives a Unix socket. No socket path with port 6379 gives TCP; no other
 /// port is accepted. A socket path wins over any port. With neither, the path is "(null)", where
-/// nothing listens, so that connecting fails. Of a port beyond 32 bits the low 32 count; as
-/// a negative number they are no port, as 0.
+/// nothing listens, so that connecting fails. Of a port beyond 32 bits the low 32 count; a
+/// negative result counts as 0: no port.
 ///
 /// Returns nothing when the shell cannot be started, the port file is missing, empty, cannot
 /// be read or holds anything but digits and line feeds, the port overflows, or there is no socket
-/// path and the port is 1 or more but not the default one. Prints, through perror, "fopen" for each
-/// file that cannot be opened and "strtol" when the port overflows; what the shell's commands print
-/// on standard error passes through.
+/// path and the port is 1 or more but not the default one. Prints "fopen: %s\n" for each file
+/// that cannot be opened and "strtol: %s\n" when the port overflows, with the system's word for it;
+/// what the shell's commands print on standard error passes through.
 [[nodiscard]] std::optional<ConnectionConfig> ReadConnectionConfig();
 
 /// Reads the first line, at most 1023 bytes, of the file "redis." + key in directory. Its line end
 /// is kept. key is NUL-terminated and may be null. The file's path is cut at 1023 bytes.
 ///
 /// Returns nothing when key is null, key and directory are 1024 bytes or longer together, the file
-/// cannot be opened (then perror prints "fopen"), or nothing can be read from it.
+/// cannot be opened (then "fopen: %s\n" is printed), or nothing can be read from it.
 [[nodiscard]] std::optional<std::string> ReadConfigValue(const char* key,
                                                          const std::string& directory);
 

@@ -31,7 +31,7 @@ JsonFile LoadJsonFile(const char* path) {
   const File file(std::fopen(path, "r"));
   if (!file) return result;
   result.is_open = true;
-  std::array<char, std::size_t{32}* 1024>& buffer = Documents.file_buffer;
+  auto& buffer = Documents.file_buffer;
   (void)std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
 
   constexpr std::array<unsigned char, 3> byte_order_mark = {0xEF, 0xBB, 0xBF};
@@ -41,6 +41,7 @@ JsonFile LoadJsonFile(const char* path) {
 
   Documents.is_memory_exhausted = false;
   result.root.reset(json_loadf(file.get(), 0, &result.error));
+  result.is_refused = result.root == nullptr;
   // A document that lacks a character must not be stored.
   if (result.root && Documents.is_memory_exhausted) throw std::bad_alloc();
   return result;
@@ -48,7 +49,7 @@ JsonFile LoadJsonFile(const char* path) {
 
 void PrintJsonFileMessages(const JsonFile& file) {
   if (file.is_short) PrintMessage("error: Failed to read file.\n");
-  if (file.is_open && !file.root) {
+  if (file.is_refused) {
     PrintMessage("error: on line %d: %s\n", file.error.line, file.error.text);
   }
 }

@@ -8,7 +8,6 @@
 #include <jansson.h>
 
 #include <array>
-#include <cstddef>
 
 #include "document/document.h"
 
@@ -20,7 +19,7 @@ struct DocumentState {
   /// there is none.
   bool is_memory_exhausted = false;
   /// stdio's buffer of the file. Most files fit in and take one read.
-  std::array<char, std::size_t{32}* 1024> file_buffer = {};
+  std::array<char, 32768> file_buffer = {};
 };
 extern DocumentState Documents;
 
@@ -28,12 +27,13 @@ extern DocumentState Documents;
 struct JsonFile {
   Document root;            ///< Empty when the file could not be opened or is not JSON.
   bool is_open = false;     ///< The file could be opened.
+  bool is_refused = false;  ///< It is not JSON; error says why.
   bool is_short = false;    ///< Fewer than 3 bytes could be read. What there was is parsed.
-  json_error_t error = {};  ///< What the parser says of an open file without a root.
+  json_error_t error = {};  ///< What the parser says.
 };
 
-/// Makes jansson report exhausted memory (json_set_alloc_funcs, process-wide). To be called once,
-/// before the first file is read.
+/// Lets LoadJsonFile see that jansson got no memory (json_set_alloc_funcs, process-wide). A program
+/// that stores what it reads calls it once, before the first file.
 void WatchJsonMemory();
 
 /// Reads the JSON file at path (NUL-terminated) with json_loadf and its flags at 0: the root must

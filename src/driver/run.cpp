@@ -9,10 +9,12 @@
 #include "base/equals_ignore_case.h"
 #include "base/message.h"
 #include "connection/broken_pipe.h"
+#include "connection/store_connection.h"
 #include "document/json_file.h"
 #include "driver/arguments.h"
 #include "driver/standard_descriptors.h"
 #include "driver/usage.h"
+#include "loading/load_end.h"
 #include "loading/tree_loading.h"
 #include "redis/redis_server.h"
 
@@ -43,6 +45,7 @@ int RunOstrafel(int argc, char** argv) {
     PrintMessage("Failed to connect to Redis\n");
     return kFailure;
   }
+  // Only now: without a server, a wrong word is told as a failed connection.
   const std::optional<LoadAction> action = ParseAction(arguments.action);
   if (!action) {
     PrintMessage("Invalid Action parameter.\n");
@@ -52,7 +55,7 @@ int RunOstrafel(int argc, char** argv) {
   const LoadOutcome outcome =
       LoadTree(&server, {*action, arguments.static_data_path, arguments.uri, arguments.file_name});
   const bool is_loaded = outcome.end == LoadEnd::kDone;
-  // The end of the connection comes before these two messages, and after all others.
+  // Who reads that a load has succeeded, or which file has failed, finds the connection closed.
   if (is_loaded || outcome.end == LoadEnd::kNotWritten) server.connection.reset();
   PrintLoadEnd(outcome);
   if (!is_loaded) return kFailure;

@@ -6,7 +6,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <cstring>
+
+#include "base/message.h"
 
 namespace ostrafel {
 
@@ -15,7 +18,7 @@ bool OccupyStandardDescriptors() {
     // For an open descriptor fcntl(2) cannot fail, and open(2) returns the lowest number that is
     // free: this one, because those below it are in use by now.
     if (fcntl(descriptor, F_GETFD) >= 0 || open("/dev/null", O_RDWR) == descriptor) continue;
-    std::perror("/dev/null");
+    PrintMessage("/dev/null: %s\n", std::strerror(errno));
     return false;
   }
   return true;

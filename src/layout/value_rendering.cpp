@@ -4,6 +4,7 @@
 #include "layout/value_rendering.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <limits>

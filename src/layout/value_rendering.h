@@ -21,10 +21,10 @@ namespace ostrafel {
 /// value is borrowed.
 [[nodiscard]] std::string RenderValue(const json_t* value);
 
-/// Puts a backslash before every backslash and double quote of text, in place.
+/// Puts a backslash before every backslash and double quote of the string, in place.
 void EscapeText(std::string& text);
 
-/// Replaces every occurrence of from in text by to, in place, from left to right. What was put in
+/// Replaces every occurrence of from by to, in place, from left to right. What was put in
 /// is not searched again. from must not be empty.
 void ReplaceAll(std::string& text, const std::string& from, const std::string& to);
 

@@ -19,26 +19,29 @@ Resource ReadResource(const std::string& path, const std::string& listed_key) {
     resource.end = LoadEnd::kNotObject;
     return resource;
   }
-  // Before the inclusion, which may replace the members.
+  // Now, because an inclusion may replace the members.
   const std::optional<std::string> key = ChooseKey(root, listed_key);
   if (!key) {
     resource.end = LoadEnd::kBadId;
     return resource;
   }
   resource.key = *key;
-  resource.inclusion = ResolveFileInclusion(root);
-  if (resource.inclusion.end != InclusionEnd::kDone) resource.end = LoadEnd::kNotIncluded;
   return resource;
 }
 
-void PrintReadingMessages(const Resource& resource) {
-  PrintJsonFileMessages(resource.file);
-  PrintInclusionMessages(resource.inclusion);
+void IncludeInResource(Resource* resource) {
+  resource->inclusion = ResolveFileInclusion(resource->file.root.get());
+  if (resource->inclusion.end != InclusionEnd::kDone) resource->end = LoadEnd::kNotIncluded;
 }
 
 LoadOutcome LoadResource(Server* server, const std::string& path, const std::string& listed_key) {
-  const Resource resource = ReadResource(path, listed_key);
-  PrintReadingMessages(resource);
+  Resource resource = ReadResource(path, listed_key);
+  PrintJsonFileMessages(resource.file);
+  if (resource.end == LoadEnd::kDone) {
+    IncludeInResource(&resource);
+    PrintInclusionMessages(resource.inclusion);
+    resource.inclusion.file.root.reset();  // its members live on in the resource
+  }
   if (resource.end != LoadEnd::kDone) return {resource.end, path};
   try {
     if (WriteResource(server, resource.key, resource.file.root.get()) != 0) return {};

@@ -9,28 +9,10 @@
 
 #include "document/file_inclusion.h"
 #include "document/json_file.h"
+#include "loading/load_end.h"
 #include "store/server.h"
 
 namespace ostrafel {
-
-/// How loading ends. The message of each is PrintLoadEnd's.
-enum class LoadEnd {
-  kDone,
-  kTreeNotRemoved,  ///< A create could not remove what there was.
-  kNoSuchPath,      ///< The path leads neither to a JSON file nor to a directory.
-  kNotWalked,       ///< A directory could not be read.
-  kNotObject,       ///< The file is unreadable, not JSON, or its root is no object.
-  kBadId,           ///< The "@odata.id" of the root is no string. There is no message for it.
-  kNotIncluded,     ///< The inclusion failed.
-  kLogicError,      ///< The standard library refused a string while the resource was written.
-  kNotWritten,      ///< The last member could not be written.
-  kNotFlushed,      ///< What waited at the end could not be sent.
-};
-
-struct LoadOutcome {
-  LoadEnd end = LoadEnd::kDone;
-  std::string text = {};  ///< The file's path; of kLogicError, what the library says.
-};
 
 /// A resource as it will be written, or why it will not.
 struct Resource {
@@ -40,14 +22,15 @@ struct Resource {
   Inclusion inclusion = {};
 };
 
-/// Reads the resource in the file at path. listed_key is the key that follows from the file's
-/// place. Prints nothing; raises bad_alloc as LoadJsonFile does.
+/// Reads the file at path and chooses the resource's key; listed_key is the one that follows from
+/// the file's place. Prints nothing; raises bad_alloc as LoadJsonFile does.
 [[nodiscard]] Resource ReadResource(const std::string& path, const std::string& listed_key);
 
-/// Prints what the loader says of the reading: PrintJsonFileMessages and PrintInclusionMessages.
-void PrintReadingMessages(const Resource& resource);
+/// Includes what the resource, read without a failure, names in "&&File". Likewise.
+void IncludeInResource(Resource* resource);
 
-/// Reads the resource, prints what is to be said of that, and writes it (WriteResource).
+/// Reads the resource, includes what it names and writes it (WriteResource). Prints what is to be
+/// said of each step before the next one.
 [[nodiscard]] LoadOutcome LoadResource(Server* server, const std::string& path,
                                        const std::string& listed_key);
 

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <stdexcept>
 
 #include "base/equals_ignore_case.h"
@@ -28,12 +29,13 @@ std::string ChildKey(const std::string& key, const std::string& name) {
 
 }  // namespace
 
-bool AppendToLoadList(const std::string& path, const std::string& key, LoadList* list) {
+bool AppendToLoadList(const std::string& path, const std::string& key, LoadList* list,
+                      const TakeProblem& tell) {
   try {
     list->paths.push_back(path);
     list->keys.push_back(key);
   } catch (const std::length_error& error) {
-    list->notes.push_back({PathProblem::kNotListed, error.what()});
+    tell(PathProblem::kNotListed, error.what());
     return false;
   }
   return true;
@@ -44,10 +46,10 @@ bool IsDirectory(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-bool IsJsonFile(const std::string& path, std::vector<PathNote>* notes) {
+bool IsJsonFile(const std::string& path, const TakeProblem& tell) {
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) {
-    notes->push_back({PathProblem::kNotChecked, path});
+    tell(PathProblem::kNotChecked, path);
     return false;
   }
   const std::size_t point = path.rfind('.');
@@ -55,20 +57,19 @@ bool IsJsonFile(const std::string& path, std::vector<PathNote>* notes) {
          EqualsIgnoreCase(path.c_str() + point, ".json");
 }
 
-bool FileNameEquals(const std::string& path, const std::string& name,
-                    std::vector<PathNote>* notes) {
+bool FileNameEquals(const std::string& path, const std::string& name, const TakeProblem& tell) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return false;
   try {
     return path.substr(slash + 1) == name;
   } catch (const std::out_of_range& error) {
-    notes->push_back({PathProblem::kNoName, error.what()});
+    tell(PathProblem::kNoName, error.what());
     return false;
   }
 }
 
 bool WalkStaticData(const std::string& directory, const std::string& key,
-                    const std::string& file_name, LoadList* list) {
+                    const std::string& file_name, LoadList* list, const TakeProblem& tell) {
   const Directory opened(opendir(directory.c_str()));
   while (opened) {
     errno = 0;
@@ -80,26 +81,27 @@ bool WalkStaticData(const std::string& directory, const std::string& key,
     const std::string name = entry->d_name;
     std::string path = directory;
     path.append("/").append(name);
-    // Before "." and ".." are left out: a folder that cannot be examined itself is said so twice.
-    if (IsJsonFile(path, &list->notes) && FileNameEquals(path, file_name, &list->notes)) {
-      if (!AppendToLoadList(path, key, list)) return false;
+    // Before "." and ".." are left out: of a folder that cannot be searched both are told, too.
+    if (IsJsonFile(path, tell) && FileNameEquals(path, file_name, tell)) {
+      if (!AppendToLoadList(path, key, list, tell)) return false;
     } else if (name != "." && name != ".." && IsDirectory(path)) {
-      if (!WalkStaticData(path, ChildKey(key, name), file_name, list)) return false;
+      if (!WalkStaticData(path, ChildKey(key, name), file_name, list, tell)) return false;
     }
   }
-  list->notes.push_back({PathProblem::kNotOpened, directory});
+  tell(PathProblem::kNotOpened, directory);
   return false;
 }
 
-void PrintPathNotes(const std::vector<PathNote>& notes) {
-  for (const auto& [problem, text] : notes) {
-    if (problem == PathProblem::kNotChecked) {
-      PrintMessage("Failed to check path %s.\n", text.c_str());
-    } else if (problem == PathProblem::kNoName) {
-      PrintMessage("Failed to get sub string %s.\n", text.c_str());
-    } else if (problem == PathProblem::kNotListed) {
-      PrintMessage("Failed to push data: %s.\n", text.c_str());
-    }
+void PrintPathProblem(PathProblem problem, const std::string& text) {
+  switch (problem) {
+    case PathProblem::kNotChecked:
+      return PrintMessage("Failed to check path %s.\n", text.c_str());
+    case PathProblem::kNoName:
+      return PrintMessage("Failed to get sub string %s.\n", text.c_str());
+    case PathProblem::kNotListed:
+      return PrintLengthError(text.c_str());
+    case PathProblem::kNotOpened:
+      return;
   }
 }
 

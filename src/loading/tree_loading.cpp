@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "base/message.h"
+#include "loading/resource_loading.h"
 #include "loading/static_data_walk.h"
 #include "store/store_state.h"
 
@@ -16,13 +16,14 @@ namespace {
 // Lists the files of the path: its own, or those of the directory.
 LoadEnd FillLoadList(const LoadRequest& request, LoadList* list) {
   const std::string& path = request.static_data_path;
-  if (IsJsonFile(path, &list->notes)) {
+  if (IsJsonFile(path, PrintPathProblem)) {
     // The load goes on with whatever the list holds.
-    (void)AppendToLoadList(path, request.uri, list);
+    (void)AppendToLoadList(path, request.uri, list, PrintPathProblem);
     return LoadEnd::kDone;
   }
   if (!IsDirectory(path)) return LoadEnd::kNoSuchPath;
-  const bool is_walked = WalkStaticData(path, request.uri, request.file_name, list);
+  const bool is_walked =
+      WalkStaticData(path, request.uri, request.file_name, list, PrintPathProblem);
   return is_walked ? LoadEnd::kDone : LoadEnd::kNotWalked;
 }
 
@@ -43,7 +44,6 @@ LoadOutcome LoadTree(Server* server, const LoadRequest& request) {
   }
   LoadList list;
   const LoadEnd listed = FillLoadList(request, &list);
-  PrintPathNotes(list.notes);
   if (listed != LoadEnd::kDone) return {listed};
 
   for (std::size_t i = 0; i < list.keys.size(); ++i) {
@@ -52,31 +52,6 @@ LoadOutcome LoadTree(Server* server, const LoadRequest& request) {
   }
   if (!FlushAllBatches(server)) return {LoadEnd::kNotFlushed};
   return {};
-}
-
-void PrintLoadEnd(const LoadOutcome& outcome) {
-  const char* text = outcome.text.c_str();
-  switch (outcome.end) {
-    case LoadEnd::kDone:
-    case LoadEnd::kBadId:
-      return;
-    case LoadEnd::kTreeNotRemoved:
-      return PrintMessage("Fail to remove resource tree\n");
-    case LoadEnd::kNoSuchPath:
-      return PrintMessage("Input path should be a file or directory\n");
-    case LoadEnd::kNotWalked:
-      return PrintMessage("Error occurs while reading files\n");
-    case LoadEnd::kNotObject:
-      return PrintMessage("The content of %s is not a valid JSON data.\n", text);
-    case LoadEnd::kNotIncluded:
-      return PrintMessage(">>> Error occurs when processing &&File in %s\n", text);
-    case LoadEnd::kLogicError:
-      return PrintMessage("Error %s occurs while parsing root object.\n", text);
-    case LoadEnd::kNotWritten:
-      return PrintMessage(">>> Error occurs while parsing file %s\n", text);
-    case LoadEnd::kNotFlushed:
-      return PrintMessage(">>> Fail to write rest of data into redis\n");
-  }
 }
 
 }  // namespace ostrafel

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "loading/resource_loading.h"
+#include "loading/load_end.h"
 #include "store/server.h"
 
 namespace ostrafel {
@@ -27,19 +27,8 @@ struct LoadRequest {
 /// Carries out the action on the store, lists the files, loads one after the other and sends what
 /// still waits in the batches. Begins with the store state as it finds it, and clears its MergeMode
 /// for a create. Stops at the first failure; what was sent before stays in the store, what waits is
-/// dropped. Prints all messages but the outcome's own.
+/// dropped. Prints all messages but that of the end (PrintLoadEnd).
 [[nodiscard]] LoadOutcome LoadTree(Server* server, const LoadRequest& request);
-
-/// Prints the message of a load's end, if it has one:
-///   "Fail to remove resource tree\n"                        kTreeNotRemoved
-///   "Input path should be a file or directory\n"            kNoSuchPath
-///   "Error occurs while reading files\n"                    kNotWalked
-///   "The content of %s is not a valid JSON data.\n"         kNotObject
-///   ">>> Error occurs when processing &&File in %s\n"       kNotIncluded
-///   "Error %s occurs while parsing root object.\n"          kLogicError
-///   ">>> Error occurs while parsing file %s\n"              kNotWritten
-///   ">>> Fail to write rest of data into redis\n"           kNotFlushed
-void PrintLoadEnd(const LoadOutcome& outcome);
 
 }  // namespace ostrafel
 

@@ -20,7 +20,7 @@ unsigned RemoveResourceTree(Server* server, const std::string& uri) {
       }
     }
   } catch (const std::length_error& error) {
-    PrintLengthError(error);
+    PrintLengthError(error.what());
     return 0;
   }
   return 1;

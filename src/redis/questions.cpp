@@ -3,8 +3,11 @@
 
 // The questions of store/server.h: one command, one round trip each; a search, one for each cursor.
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
+#include "connection/reply.h"
 #include "redis/redis_server.h"
 #include "redis/replies.h"
 #include "store/server.h"

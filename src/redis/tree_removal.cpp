@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// The removal of a tree of store/server.h.
+// The removal of a tree of store/server.h. Its commands are sent in lower case, to the byte.
 #include <cstddef>
 #include <stdexcept>
+#include <string>
 
 #include "base/message.h"
 #include "layout/layout.h"
@@ -40,7 +41,7 @@ unsigned RemoveResourceTree(Server* server, const std::string& uri) {
       if (IsArrayOfStrings(found.get()) && DeleteKeys(context, *found) == 0) return 0;
     }
   } catch (const std::length_error& error) {
-    PrintLengthError(error);
+    PrintLengthError(error.what());
     return 0;
   }
   return 1;

@@ -34,7 +34,7 @@ unsigned OrReport(const Push& push) {
   try {
     push();
   } catch (const std::length_error& error) {
-    PrintLengthError(error);
+    PrintLengthError(error.what());
     return 0;
   }
   return 1;

@@ -21,7 +21,7 @@
 namespace ostrafel {
 
 /// Queues value as the last element of the list at key. A full batch: RemovalBatch, then ListBatch
-/// are flushed. Memory that the standard library refuses with a length error gives 0, after
+/// are flushed. What is too long for the standard library (length_error) gives 0, after
 /// PrintLengthError.
 [[nodiscard]] unsigned PutListItem(Server* server, const std::string& key, const Pieces& value);
 

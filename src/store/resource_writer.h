@@ -7,8 +7,9 @@
 // Operations return 1 (success) or 0 (failure). A nested object or array stops at its first failure
 // and passes it up; the top level goes on. Records already queued are not withdrawn. In a list,
 // parent_key is the list and name the decimal index of the element in it. Strings that the standard
-// library refuses raise its logic errors, which the caller handles; queuing reports those that it
-// meets itself.
+// library refuses raise its logic errors, which the caller handles, but for those that queuing
+// reports (queue.h). The order in which records are queued decides what a full batch sends: it is
+// part of the contract.
 #ifndef OSTRAFEL_STORE_RESOURCE_WRITER_H_
 #define OSTRAFEL_STORE_RESOURCE_WRITER_H_
 

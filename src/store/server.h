@@ -19,8 +19,7 @@ namespace ostrafel {
 /// The store; what it consists of is the linked library's affair. Its owner is the driver.
 struct Server;
 
-// --- Questions: answered at once, before anything that waits in a batch
-// ----------------------------
+// --- Questions, answered at once ---------------------------------------------------------------
 
 /// What a key holds.
 enum class KeyType { kNone, kHash, kList, kOther };
@@ -47,8 +46,7 @@ using TakeName = std::function<unsigned(const std::string& name)>;
 [[nodiscard]] unsigned FindFields(Server* server, const std::string& key,
                                   const std::string& pattern, const TakeName& take);
 
-// --- Flushes: each sends a batch of Store (store_state.h) as one pipeline
-// --------------------------
+// --- Flushes, each of a batch of store_state.h, as one pipeline --------------------------------
 
 /// What a flush says, once, when the server refuses anything of it.
 inline constexpr const char* RemovalFlushFailed =
@@ -66,8 +64,9 @@ inline constexpr const char* ListFlushFailed =
 /// each hash in ascending byte order an "HDEL key field" for each field.
 ///
 /// Returns 1 when every command was answered with an integer, 0 included (there was nothing to
-/// remove), or nothing was pending. Else prints RemovalFlushFailed. The batch is empty afterwards
-/// in either case; what the server had already carried out stays carried out.
+/// remove), or nothing was pending. Else prints RemovalFlushFailed at the first bad answer, and
+/// "Failed to get reply\n" for each that cannot be read; after the first failure the rest is read,
+/// not checked. The batch is empty afterwards in either case; what was carried out stays so.
 [[nodiscard]] unsigned FlushRemovalBatch(Server* server);
 
 /// Sends all of HashBatch, likewise: one "HSET key field value" per field, keys and fields in
@@ -79,15 +78,14 @@ inline constexpr const char* ListFlushFailed =
 /// list's new length. Its message is ListFlushFailed.
 [[nodiscard]] unsigned FlushListBatch(Server* server);
 
-// --- The removal of a tree
-// -------------------------------------------------------------------------
+// --- The removal of a tree ---------------------------------------------------------------------
 
 /// Deletes, at once, every key of the tree under uri: those that match a pattern of TreePatterns
 /// (layout.h) (KEYS), the keys found for one (DEL, one key each, as one pipeline) before the next
 /// is sent. Returns 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed
 /// is passed over, and what DEL answers does not matter. Returns 0 when the answer to a DEL cannot
-/// be read, or the uri is too long for the standard library (PrintLengthError). Raises out_of_range
-/// for an empty uri.
+/// be read (after "Failed to get reply\n"), or the uri is too long for the standard library
+/// (PrintLengthError). Raises out_of_range for an empty uri.
 [[nodiscard]] unsigned RemoveResourceTree(Server* server, const std::string& uri);
 
 }  // namespace ostrafel

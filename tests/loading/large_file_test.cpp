@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "document/json_file.h"
+#include "loading/expect_no_problem.h"
 #include "loading/static_data_walk.h"
 #include "support/temp_directory.h"
 
@@ -43,15 +44,11 @@ class LargeFile : public testing::Test {
   std::string path;
 };
 
-TEST_F(LargeFile, IsAJsonFile) {
-  std::vector<PathNote> notes;
-  EXPECT_TRUE(IsJsonFile(path, &notes));
-  EXPECT_TRUE(notes.empty());
-}
+TEST_F(LargeFile, IsAJsonFile) { EXPECT_TRUE(IsJsonFile(path, ExpectNoProblem)); }
 
 TEST_F(LargeFile, IsFoundByTheWalk) {
   LoadList list;
-  ASSERT_TRUE(WalkStaticData(tree.path(), "/r", "big.json", &list));
+  ASSERT_TRUE(WalkStaticData(tree.path(), "/r", "big.json", &list, ExpectNoProblem));
   EXPECT_EQ(list.paths, std::vector<std::string>{path});
 }
 
@@ -79,11 +76,10 @@ TEST(DistantTime, OfAFileOrFolderIsNoObstacle) {
   if (!ChangeInTheYear2100(file) || !ChangeInTheYear2100(folder)) {
     GTEST_SKIP() << "this file system keeps no times of the year 2100";
   }
-  LoadList list;
-  EXPECT_TRUE(IsJsonFile(file, &list.notes));
+  EXPECT_TRUE(IsJsonFile(file, ExpectNoProblem));
   EXPECT_TRUE(IsDirectory(folder));
-  EXPECT_TRUE(WalkStaticData(tree.path(), "/r", "index.json", &list));
-  EXPECT_TRUE(list.notes.empty());
+  LoadList list;
+  EXPECT_TRUE(WalkStaticData(tree.path(), "/r", "index.json", &list, ExpectNoProblem));
   EXPECT_EQ(list.paths, std::vector<std::string>{file});
   EXPECT_NE(LoadJsonFile(file.c_str()).root, nullptr);
 }

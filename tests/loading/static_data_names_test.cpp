@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "loading/expect_no_problem.h"
 #include "loading/static_data_walk.h"
 #include "support/temp_directory.h"
 
@@ -19,17 +20,16 @@ TEST(StaticDataNames, AnEmptyRootKeyStandsForTheRoot) {
   const TempDirectory tree;
   tree.Write("v1/Systems/index.json", "{}");
   LoadList list;
-  ASSERT_TRUE(WalkStaticData(tree.path(), "", "index.json", &list));
+  ASSERT_TRUE(WalkStaticData(tree.path(), "", "index.json", &list, ExpectNoProblem));
   EXPECT_EQ(list.keys, std::vector<std::string>{"/v1/Systems"});
 }
 
 TEST(StaticDataNames, AFileWithoutAPointInItsWholePathIsNoJsonFile) {
   const TempDirectory tree;
   tree.Write("json", "{}");
-  std::vector<PathNote> notes;
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(tree.path());
-  const bool is_json_file = IsJsonFile("json", &notes);
+  const bool is_json_file = IsJsonFile("json", ExpectNoProblem);
   std::filesystem::current_path(before);
   EXPECT_FALSE(is_json_file);
 }

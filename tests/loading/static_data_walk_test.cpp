@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "loading/expect_no_problem.h"
 #include "support/temp_directory.h"
 
 namespace ostrafel {
@@ -26,8 +27,7 @@ class Walk : public testing::Test {
            const std::string& file_name = "index.json") {
     list = {};
     testing::internal::CaptureStderr();
-    const bool result = WalkStaticData(directory, key, file_name, &list);
-    PrintPathNotes(list.notes);
+    const bool result = WalkStaticData(directory, key, file_name, &list, PrintPathProblem);
     printed = testing::internal::GetCapturedStderr();
     return result;
   }
@@ -131,6 +131,23 @@ TEST_F(Walk, ADanglingLinkIsReportedAndPassedOver) {
   EXPECT_EQ(printed, "Failed to check path " + tree.path("dangling") + ".\n");
 }
 
+// A walk may go on for long, and be ended from outside.
+TEST_F(Walk, AProblemIsToldAtOnce) {
+  for (int i = 0; i < 20; ++i) {
+    const std::string folder = "f" + std::to_string(i);
+    tree.Write(folder + "/index.json", "{}");
+    std::filesystem::create_symlink("nowhere", tree.path(folder + "/dangling"));
+  }
+  std::vector<std::size_t> listed;
+  const auto tell = [&](PathProblem /*problem*/, const std::string& /*path*/) {
+    listed.push_back(list.paths.size());
+  };
+  ASSERT_TRUE(WalkStaticData(tree.path(), "/r", "index.json", &list, tell));
+  ASSERT_EQ(listed.size(), 20U);
+  EXPECT_LE(listed.front(), 1U);
+  EXPECT_GE(listed.back(), 19U);
+}
+
 // When somebody changes a folder on the way or mounts something, the kernel may go the way again
 // and count its links twice. Hence a link and a folder that lead to no folder of others; and a walk
 // that met the limit early is made again.
@@ -187,8 +204,8 @@ TEST_F(Walk, LeavesNoDirectoryOpen) {
 
 TEST(LoadListEntries, AreAppendedInStep) {
   LoadList list;
-  ASSERT_TRUE(AppendToLoadList("a.json", "/a", &list));
-  ASSERT_TRUE(AppendToLoadList("b.json", "/b", &list));
+  ASSERT_TRUE(AppendToLoadList("a.json", "/a", &list, ExpectNoProblem));
+  ASSERT_TRUE(AppendToLoadList("b.json", "/b", &list, ExpectNoProblem));
   EXPECT_EQ(list.paths, (std::vector<std::string>{"a.json", "b.json"}));
   EXPECT_EQ(list.keys, (std::vector<std::string>{"/a", "/b"}));
 }
@@ -211,21 +228,21 @@ TEST(PathTests, TellFilesFromDirectories) {
       {directory.MakeFolder("folder.json"), false, true},
       {"/dev/null", false, false},
   };
-  std::vector<PathNote> notes;
   for (const auto& c : cases) {
-    EXPECT_EQ(IsJsonFile(c.path, &notes), c.is_json_file) << c.path;
+    EXPECT_EQ(IsJsonFile(c.path, ExpectNoProblem), c.is_json_file) << c.path;
     EXPECT_EQ(IsDirectory(c.path), c.is_directory) << c.path;
   }
-  EXPECT_TRUE(notes.empty());
 }
 
-TEST(PathTests, TheFileTestNotesAMissingPath) {
-  std::vector<PathNote> notes;
+TEST(PathTests, TheFileTestTellsOfAMissingPath) {
+  std::vector<std::string> told;
+  const auto tell = [&](PathProblem problem, const std::string& text) {
+    EXPECT_EQ(problem, PathProblem::kNotChecked);
+    told.push_back(text);
+  };
   EXPECT_FALSE(IsDirectory("/nowhere/x.json"));
-  EXPECT_FALSE(IsJsonFile("/nowhere/x.json", &notes));
-  ASSERT_EQ(notes.size(), 1U);
-  EXPECT_EQ(notes[0].problem, PathProblem::kNotChecked);
-  EXPECT_EQ(notes[0].text, "/nowhere/x.json");
+  EXPECT_FALSE(IsJsonFile("/nowhere/x.json", tell));
+  EXPECT_EQ(told, std::vector<std::string>{"/nowhere/x.json"});
 }
 
 TEST(PathTests, FileNamesAreWhatFollowsTheLastSlash) {
@@ -241,11 +258,9 @@ TEST(PathTests, FileNamesAreWhatFollowsTheLastSlash) {
       {"/index.json/a", "index.json", false},
       {"index.json", "index.json", false},  // no slash at all
   };
-  std::vector<PathNote> notes;
   for (const auto& c : cases) {
-    EXPECT_EQ(FileNameEquals(c.path, c.name, &notes), c.is_equal) << c.path;
+    EXPECT_EQ(FileNameEquals(c.path, c.name, ExpectNoProblem), c.is_equal) << c.path;
   }
-  EXPECT_TRUE(notes.empty());
 }
 
 }  // namespace

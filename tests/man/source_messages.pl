@@ -5,7 +5,7 @@
 #
 # Prints every message that C++ sources can print, one a line, with %s where something is filled in.
 # A message that does not end its line is followed by " (without a line end)". Messages are the
-# formats of PrintMessage, the strings of puts and perror, and constants that end a line. Ends with
+# formats of PrintMessage, the strings of puts, and constants that end a line. Ends with
 # status 1, and says where, when something may be printed that nobody would find in this way.
 use strict;
 use warnings;
@@ -33,7 +33,7 @@ for my $source (@ARGV) {
   $code =~ s{(^|\s)//[^\n]*}{$1}mg;
   $code =~ s{^#[^\n]*}{}mg;
   if ($source !~ m{base/message\.(cpp|h)$}) {
-    while ($code =~ /\b((?:v?[fd]?printf|f?put[cs]|putchar|fwrite|writev?|syslog|psignal)\((?:\S*)|cerr|cout|clog)/g) {
+    while ($code =~ /\b((?:v?[fd]?printf|f?put[cs]|putchar|fwrite|writev?|syslog|psignal|perror)\((?:\S*)|cerr|cout|clog)/g) {
       my $call = $1;
       next if $call =~ /^puts\("/;
       print STDERR "$source: $call is no known way to print a message\n";
@@ -41,7 +41,7 @@ for my $source (@ARGV) {
     }
   }
   if ($source !~ m{base/message\.h$}) {
-    while ($code =~ /\b(?:PrintMessage|perror)\((?!\s*")([^;]*)/g) {
+    while ($code =~ /\bPrintMessage\((?!\s*")([^;]*)/g) {
       next if $1 =~ /^const char\* format, \.\.\.\) \{/;
       print STDERR "$source: $1 may be any text\n";
       $failures = 1;
@@ -54,7 +54,6 @@ for my $source (@ARGV) {
   }
   emit($1, '') while $code =~ /\bPrintMessage\(\s*($literals)/g;
   emit($1, "\n") while $code =~ /\bputs\(\s*($literals)/g;
-  emit($1, ": %s\n") while $code =~ /\bperror\(\s*($literals)/g;
   print "Usage:\n" if $code =~ /R"\(Usage:\n/;
   while ($code =~ /\bconstexpr const char\* \w+ =\s*($literals);/g) {
     my $value = $1;
