@@ -11,7 +11,8 @@ if(NOT status EQUAL 0)
   return()
 endif()
 
-set(long_suites "RandomRuns|CutEverywhere|WrongReplies|FailingAllocations|HugeTree")
+set(long_suites
+  "RandomRuns|HugeInput|ChangingTree|Mockups|HugeTree|CutEverywhere|WrongReplies|FailingAllocation")
 
 # The names of suites are the lines that are not indented. What takes longest begins first.
 string(REGEX MATCHALL "(^|\n)[A-Za-z0-9_/]+[.]" suites "${listed}")
