@@ -20,7 +20,7 @@
 #   stop_machine DIR             shuts it down
 #   discard_machines             ends and deletes every machine that was made
 #
-# Making the first one of a release takes a minute. What it took is kept in $OSTRAFEL_MACHINE_CACHE
+# Making the first one of a release takes longest. What it took is kept in $OSTRAFEL_MACHINE_CACHE
 # (by default build/package/machine-cache) for a week, for any number of tests, also at the same time;
 # so is each set of packages on top of it.
 
@@ -100,9 +100,9 @@ machine_obstacle() {
 # --- Making one ----------------------------------------------------------------------------------
 
 make_machine() {
-  local directory=$1 release=${2:-} packages=("${@:3}") base
-  ((${#packages[@]})) || packages=(redis-server)
-  machine_base "$release" "${packages[@]}" || return
+  local directory=$1 release=${2:-} wanted=("${@:3}") base
+  ((${#wanted[@]})) || wanted=(redis-server)
+  machine_base "$release" "${wanted[@]}" || return
   machine_directories+=("$directory")
   machine_copy_of_base "$directory"
 }

@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Ostrafel developers
 # SPDX-License-Identifier: Apache-2.0
 #
-# What the tests of the packages share, beside the checks of tests/support/checks.bash. To be sourced
-# by bash scripts after their options are set.
+# What the tests of the packages share, beside the checks of tests/support/checks.bash and the machines
+# of machine.bash, which lie in $work. To be sourced by bash scripts after their options are set.
 # shellcheck shell=bash
 #
 # Ends a script as skipped where packages cannot be built: scripts/test installs what that takes for
@@ -13,12 +13,19 @@
 #   build_packages               sets $packages to a directory with the packages: $OSTRAFEL_PACKAGES,
 #                                when that is set; otherwise scripts/package makes them
 #   package_file NAME            prints the path of a binary package
+#   need_machines [RELEASE]      ends a script as skipped where there can be no machines, or not of that
+#                                release; otherwise builds packages
+#   apt_in_machine DIR ARGUMENT...
+#                                runs apt-get in a machine, and shows the end of what it says when it
+#                                fails
 #   other_version VERSION FILE   makes, of the package, one of another version
 
 root=$(readlink -f -- "${BASH_SOURCE[0]}")
 root=${root%/*/*/*}
 # shellcheck source-path=SCRIPTDIR source=../support/checks.bash
 . "$root/tests/support/checks.bash"
+# shellcheck source-path=SCRIPTDIR source=machine.bash
+. "$root/tests/package/machine.bash"
 if ((EUID != 0)) && ! dpkg-checkbuilddeps "$root/debian/control" 2>/dev/null; then
   skip_all 'what building packages takes is not installed (scripts/bootstrap --package does it)'
 fi
@@ -27,9 +34,8 @@ architecture=$(dpkg --print-architecture)
 work=$(mktemp -d)
 chmod 755 "$work"  # others than root work in it, too
 
-# The machines of machine.bash, when the script uses it, lie in $work.
 clean_up() {
-  if declare -F discard_machines >/dev/null; then discard_machines; fi
+  discard_machines
   rm -rf -- "${work:?}"
 }
 trap 'exit 1' HUP INT TERM
@@ -46,6 +52,19 @@ build_packages() {
 
 package_file() {
   printf '%s/%s_%s_%s.deb' "$packages" "$1" "$version" "$architecture"
+}
+
+need_machines() {
+  local obstacle
+  ! obstacle=$(machine_obstacle "$@") || skip_all "$obstacle"
+  build_packages
+}
+
+apt_in_machine() {
+  in_machine --network "$1" apt-get -q -y -o Dpkg::Use-Pty=0 "${@:2}" >"$work/apt.log" 2>&1 || {
+    tail -n 20 -- "$work/apt.log"
+    return 1
+  }
 }
 
 other_version() {
