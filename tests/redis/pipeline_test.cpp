@@ -145,42 +145,6 @@ constexpr std::size_t kItems = 2000;
 const std::string kValue = std::string(1000, 'v');
 const std::string kAllAnswers = Repeated(":1\r\n", kItems);
 
-TEST_F(BrokenPipeline, FailsTheFlushOfValues) {
-  ASSERT_NO_FATAL_FAILURE(Connect({"RPUSH", 1, kAllAnswers}));
-  for (std::size_t i = 0; i < kItems; ++i) {
-    EXPECT_EQ(PutListItem(nullptr, "key", {kValue.c_str()}), 1U);
-  }
-  EXPECT_TRUE(Printed(FlushListBatch) == Repeated(kNoReplyLine, kItems));
-  EXPECT_TRUE(Store->ListBatch.empty());
-}
-
-TEST_F(BrokenPipeline, FailsTheFlushOfFields) {
-  ASSERT_NO_FATAL_FAILURE(Connect({"HSET", 1, kAllAnswers}));
-  for (std::size_t i = 0; i < kItems; ++i) {
-    EXPECT_EQ(PutHashField(nullptr, "key", {std::to_string(i).c_str()}, kValue.c_str()), 1U);
-  }
-  EXPECT_TRUE(Printed(FlushHashBatch) == Repeated(kNoReplyLine, kItems));
-  EXPECT_TRUE(Store->HashBatch.empty());
-}
-
-TEST_F(BrokenPipeline, FailsTheFlushOfRemovals) {
-  ASSERT_NO_FATAL_FAILURE(Connect({"UNLINK", 1, kAllAnswers}));
-  for (std::size_t i = 0; i < kItems; ++i) {
-    EXPECT_EQ(QueueRemoval(nullptr, kValue + std::to_string(i), {}, RemoveKey), 1U);
-  }
-  EXPECT_TRUE(Printed(FlushRemovalBatch) == Repeated(kNoReplyLine, kItems));
-  EXPECT_TRUE(Store->RemovalBatch.keys.empty());
-}
-
-TEST_F(BrokenPipeline, FailsTheRemovalOfATreeAtOnce) {
-  model::Store store;
-  for (std::size_t i = 0; i < kItems; ++i) {
-    store["/r/" + kValue + std::to_string(i)].value = model::List{"v"};
-  }
-  ASSERT_NO_FATAL_FAILURE(Connect({"DEL", 1, kAllAnswers}, store));
-  EXPECT_EQ(Printed([](Server* server) { return RemoveResourceTree(server, "/r"); }), kNoReplyLine);
-}
-
 }  // namespace
 
 }  // namespace ostrafel

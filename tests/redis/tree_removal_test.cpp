@@ -76,39 +76,6 @@ TEST_F(TreeRemoval, EveryKeyHasACommandOfItsOwnInTheOrderFound) {
             "keys | &&/r/*\n");
 }
 
-TEST_F(TreeRemoval, TheAnswersOfDeletionsDoNotMatter) {
-  recorder.Answer(0, "*2\r\n$1\r\na\r\n$1\r\nb\r\n");
-  recorder.Answer(1, "-ERR no\r\n$-1\r\n");
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U); }), "");
-}
-
-TEST_F(TreeRemoval, ARefusedOrMalformedSearchIsPassedOver) {
-  recorder.Answer(0, "-NOPERM no\r\n");
-  recorder.Answer(1, "*2\r\n$1\r\na\r\n:5\r\n");
-  recorder.Answer(2, "+OK\r\n");
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U); }), "");
-  EXPECT_EQ(Sent(), "keys | /r\n--\nkeys | /r/*\n--\nkeys | &&/r/*\n");
-}
-
-TEST_F(TreeRemoval, AnUnansweredSearchIsPassedOver) {
-  recorder.CutAfter(0, 0);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 1U); }), "");
-}
-
-TEST_F(TreeRemoval, AConnectionThatBreaksBeforeTheDeletionsFailsAtOnce) {
-  Fill({"/r/A", "/r/B", "/r/C"});
-  recorder.CutAfter(2, 0);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 0U); }),
-            "Failed to get reply\n");
-}
-
-TEST_F(TreeRemoval, AConnectionThatBreaksBetweenDeletionsFailsAtOnce) {
-  Fill({"/r/A", "/r/B", "/r/C"});
-  recorder.CutAfter(2, 1);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(RemoveResourceTree(server(), "/r"), 0U); }),
-            "Failed to get reply\n");
-}
-
 TEST_F(TreeRemoval, AnEmptyOrMissingUriIsALogicError) {
   EXPECT_THROW((void)RemoveResourceTree(server(), ""), std::out_of_range);
   EXPECT_THROW((void)RemoveResourceTree(server(), nullptr), std::logic_error);

@@ -49,21 +49,6 @@ TEST_F(MatchingKeys, AShortPatternIsMarkedWhole) {
   EXPECT_EQ(Store->PrunedPrefixes, (std::set<std::string, std::less<>>{"*", ""}));
 }
 
-TEST_F(MatchingKeys, AMalformedAnswerFailsAndMarksNothing) {
-  std::size_t flight = 0;
-  for (const char* reply :
-       {"-ERR no\r\n", "+OK\r\n", "$-1\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", ":0\r\n",
-        "*2\r\n:0\r\n*0\r\n", "*2\r\n$1\r\n0\r\n$1\r\nk\r\n", "*2\r\n$1\r\n0\r\n$-1\r\n",
-        "*2\r\n$1\r\n0\r\n*2\r\n$1\r\nk\r\n:1\r\n", "*2\r\n$1\r\n0\r\n*1\r\n*0\r\n"}) {
-    recorder.Answer(flight++, reply);
-    EXPECT_EQ(Printed([&] { EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 0U) << reply; }), "");
-    EXPECT_EQ(PendingRemovalsText(), "") << reply;
-  }
-  recorder.CutAfter(flight, 0);
-  EXPECT_EQ(UnlinkMatchingKeys(server(), "/p/*"), 0U);
-  EXPECT_TRUE(Store->PrunedPrefixes.empty());
-}
-
 TEST_F(MatchingKeys, StopAtAFailedFlush) {
   FillRemovalBatch(&store, 1);
   recorder.Answer(0, "*2\r\n$1\r\n7\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n");
@@ -81,22 +66,6 @@ TEST_F(MatchingFields, AreTakenFromEverySecondItem) {
   EXPECT_EQ(RemoveMatchingFields(server(), "h", "x *"), 1U);
   EXPECT_EQ(PendingRemovalsText(), "HDEL | h | a\nHDEL | h | b\nHDEL | h | c\n");
   EXPECT_EQ(Sent(), "HSCAN | h | 0 | MATCH | x *\n--\nHSCAN | h | 3 | MATCH | x *\n");
-}
-
-TEST_F(MatchingFields, AMalformedAnswerFails) {
-  std::size_t flight = 0;
-  for (const char* reply : {"-ERR no\r\n", "*0\r\n", "*1\r\n$1\r\n0\r\n", "*2\r\n$1\r\n0\r\n:3\r\n",
-                            "*2\r\n$1\r\n0\r\n*2\r\n:1\r\n$1\r\nv\r\n"}) {
-    recorder.Answer(flight++, reply);
-    EXPECT_EQ(RemoveMatchingFields(server(), "h", "*"), 0U) << reply;
-  }
-  EXPECT_EQ(PendingRemovalsText(), "");
-}
-
-TEST_F(MatchingFields, AreFoundWhateverTheirValuesAre) {
-  recorder.Answer(0, "*2\r\n$1\r\n0\r\n*4\r\n$1\r\nf\r\n:1\r\n$1\r\ng\r\n*1\r\n$-1\r\n");
-  EXPECT_EQ(RemoveMatchingFields(server(), "h", "*"), 1U);
-  EXPECT_EQ(PendingRemovalsText(), "HDEL | h | f\nHDEL | h | g\n");
 }
 
 TEST_F(PrunedPrefix, IsAnyPartBeforeASlash) {

@@ -62,14 +62,6 @@ TEST_F(Pruning, AScalarThatWasAnObjectTakesItsSubtreeAndTwinsAway) {
             "HSCAN | /r | 0 | MATCH | &&ObjectRef A *\n");
 }
 
-TEST_F(Pruning, AnObjectThatWasAHashKeepsEverythingBelowIt) {
-  (void)store.Run("HSET | &&/r/A | x | 1");
-  (void)store.Run("HSET | &&/r/A/B | y | 2");
-  ASSERT_EQ(PruneProperty(server(), "/r", "A", "&&/r/A", ParentKind::kHash, StoredHash), 1U);
-  EXPECT_EQ(PendingRemovalsText(), FieldRemovals("/r", "A", "&&/r/A"));
-  EXPECT_TRUE(Store->PrunedPrefixes.empty());
-}
-
 TEST_F(Pruning, AnArrayThatWasAnObjectTakesTheHashAwayWithAllBelowIt) {
   (void)store.Run("HSET | &&/r/A | x | 1");
   (void)store.Run("HSET | &&/r/A/B | y | 2");
@@ -97,16 +89,6 @@ TEST_F(Pruning, AnElementOfAListLosesEqualElementsAndCostsNoFieldSearch) {
             "LREM | &&/r/L | 0 | &&ObjectRef &&/r/L/2\n"
             "LREM | &&/r/L | 0 | &&Object &&/r/L/2\n");
   EXPECT_EQ(Sent(), "TYPE | &&/r/L/2\n");
-}
-
-TEST_F(Pruning, StopsWhenTheTypeCannotBeRead) {
-  recorder.Answer(0, "-NOPERM no\r\n");
-  EXPECT_EQ(Printed([&] {
-              EXPECT_EQ(PruneProperty(server(), "/r", "A", "", ParentKind::kHash, StoredNone), 0U);
-            }),
-            "");
-  EXPECT_EQ(PendingRemovalsText(), "");
-  EXPECT_EQ(Sent(), "TYPE | &&/r/A\n");
 }
 
 TEST_F(Pruning, StopsAtAFailedFlush) {
@@ -137,18 +119,6 @@ TEST_F(StaleKeys, StopAtAFailedFlush) {
   FillRemovalBatch(&store);
   (void)Printed([&] { EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 0U); });
   EXPECT_EQ(Sent(), "TYPE | /c\n--\nHDEL | no hash | f\n");
-}
-
-TEST_F(StaleKeys, ATypeThatOnlyBeginsWithNoneIsNothing) {
-  recorder.Answer(0, "+nonesuch\r\n");
-  EXPECT_EQ(PruneStaleKey(server(), "k", StoredHash), 1U);
-  EXPECT_EQ(PendingRemovalsText(), "");
-}
-
-TEST_F(StaleKeys, ATypeThatOnlyBeginsAsExpectedIsStale) {
-  recorder.Answer(0, "+hashes\r\n");
-  EXPECT_EQ(PruneStaleKey(server(), "k", StoredHash), 1U);
-  EXPECT_EQ(PendingRemovalsText(), "UNLINK | k\n");
 }
 
 TEST_F(StaleKeys, AListOfPlainValuesIsNotScannedBelow) {
@@ -224,24 +194,6 @@ TEST_F(StaleKeys, ASubtreeInsideAPrunedOneIsNotScanned) {
   EXPECT_EQ(PruneStaleKey(server(), "/c/x", StoredNone), 1U);
   EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c/x\n");
   EXPECT_EQ(Sent(), "TYPE | /c/x\n");
-}
-
-TEST_F(StaleKeys, FailWhenTheTypeIsNoStatus) {
-  std::size_t flight = 0;
-  for (const char* reply : {"-ERR no\r\n", "$4\r\nnone\r\n", ":1\r\n", "$-1\r\n", "*0\r\n"}) {
-    recorder.Answer(flight++, reply);
-    EXPECT_EQ(PruneStaleKey(server(), "k", StoredNone), 0U) << reply;
-  }
-  recorder.CutAfter(flight, 0);
-  EXPECT_EQ(PruneStaleKey(server(), "k", StoredNone), 0U);
-}
-
-TEST_F(StaleKeys, FailWhenTheScanFails) {
-  (void)store.Run("HSET | /c | f | v");
-  recorder.Answer(1, "-NOPERM no\r\n");
-  EXPECT_EQ(PruneStaleKey(server(), "/c", StoredNone), 0U);
-  EXPECT_EQ(PendingRemovalsText(), "UNLINK | /c\n");  // what was queued stays
-  EXPECT_EQ(Sent(), "TYPE | /c\n--\nSCAN | 0 | MATCH | /c/* | COUNT | 1000\n");
 }
 
 }  // namespace
