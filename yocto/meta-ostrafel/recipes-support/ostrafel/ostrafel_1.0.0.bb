@@ -17,7 +17,7 @@ OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};
 # SRCREV says what is built, wherever that comes from: the place stays out of the tasks' signatures.
 OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "03850902f5f80daac4269bbd8f35fea506c3a761"
+SRCREV = "c1defb6dd16dc415f673e80dac9023df8fe2b1d8"
 
 # Where UNPACKDIR has no value, as in the first release of scarthgap, WORKDIR is unpacked into.
 UNPACKDIR ??= "${WORKDIR}"
