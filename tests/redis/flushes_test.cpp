@@ -15,15 +15,6 @@ namespace ostrafel {
 
 namespace {
 
-constexpr const char* kWarning = "The data in database would be incorrect\n";
-const std::string kHashMessage =
-    std::string("Some errors occur while creating hash data into database\n") + kWarning;
-const std::string kListMessage =
-    std::string("Some errors occur while creating list data into database\n") + kWarning;
-const std::string kRemovalMessage =
-    std::string("Some errors occur while removing data from database\n") + kWarning;
-constexpr const char* kNoReply = "Failed to get reply\n";
-
 class HashBatching : public StoreTest {};
 class ListBatching : public StoreTest {};
 class RemovalBatching : public StoreTest {};
@@ -86,7 +77,8 @@ TEST_F(HashBatching, The2001stFieldFlushesRemovalsAndThenFields) {
 TEST_F(HashBatching, AFailedFlushQueuesNothingAndTheNextPutFlushesAgain) {
   (void)store.Run("SET | k | in the way");
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(server(), "k", {"f"}, "v"), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(PutHashField(server(), "a", {"g"}, "w"), 0U); }), kHashMessage);
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(PutHashField(server(), "a", {"g"}, "w"), 0U); }),
+            HashFlushFailed);
   EXPECT_EQ(Store->HashBatchCount, 2000U);
   EXPECT_TRUE(Store->HashBatch.empty());
   EXPECT_EQ(Printed([&] { EXPECT_EQ(PutHashField(server(), "a", {"g"}, "w"), 1U); }), "");
@@ -99,7 +91,7 @@ TEST_F(HashBatching, AFailedRemovalKeepsTheFieldsWaiting) {
   Store->RemovalBatch.hash_fields["other"].emplace_back("f");
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutHashField(server(), "k", {"f"}, "v"), 1U);
   EXPECT_EQ(Printed([&] { EXPECT_EQ(PutHashField(server(), "k", {"g"}, "w"), 0U); }),
-            kRemovalMessage);
+            RemovalFlushFailed);
   EXPECT_EQ(Store->HashBatchCount, 2000U);
   EXPECT_EQ(PendingFields().at("k").size(), 1U);
   EXPECT_EQ(Sent(), "HDEL | other | f\n");
@@ -135,7 +127,7 @@ TEST_F(ListBatching, KeysGoInAscendingOrderAndValuesInQueueOrder) {
 TEST_F(ListBatching, ALengthOfZeroIsBad) {
   recorder.Answer(0, ":1\r\n:0\r\n:1\r\n");
   for (const char* value : {"1", "2", "3"}) ASSERT_EQ(PutListItem(server(), "a", {value}), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(server()), 0U); }), kListMessage);
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(server()), 0U); }), ListFlushFailed);
 }
 
 TEST_F(ListBatching, LengthsAreComparedAs64BitNumbers) {
@@ -144,7 +136,7 @@ TEST_F(ListBatching, LengthsAreComparedAs64BitNumbers) {
   EXPECT_EQ(FlushListBatch(server()), 1U);
   recorder.Answer(1, ":-4294967295\r\n");
   ASSERT_EQ(PutListItem(server(), "a", {"1"}), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(server()), 0U); }), kListMessage);
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(FlushListBatch(server()), 0U); }), ListFlushFailed);
 }
 
 TEST_F(ListBatching, The2001stValueFlushesRemovalsAndThenValues) {
@@ -166,7 +158,7 @@ TEST_F(ListBatching, The2001stValueFlushesRemovalsAndThenValues) {
 TEST_F(ListBatching, AFailedFlushQueuesNothingAndTheNextPutFlushesAgain) {
   (void)store.Run("SET | k | in the way");
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(PutListItem(server(), "k", {"v"}), 1U);
-  EXPECT_EQ(Printed([&] { EXPECT_EQ(PutListItem(server(), "a", {"w"}), 0U); }), kListMessage);
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(PutListItem(server(), "a", {"w"}), 0U); }), ListFlushFailed);
   EXPECT_EQ(Store->ListBatchCount, 2000U);
   EXPECT_TRUE(Store->ListBatch.empty());
   EXPECT_EQ(PutListItem(server(), "a", {"w"}), 1U);
