@@ -15,8 +15,8 @@ struct MessageState {
 };
 extern MessageState Messages;
 
-/// Prints a message on standard error. format and what follows are those of printf(3). A failure to
-/// print is not reported: nobody could read of it.
+/// Prints a message on standard error, or appends it to Messages.collector. format and what follows
+/// are those of printf(3). A failure to print is not reported: nobody would see it.
 [[gnu::format(printf, 1, 2)]] void PrintMessage(const char* format, ...);
 
 /// Prints "Failed to push data: %s.\n" with what a length_error of the standard library says: a

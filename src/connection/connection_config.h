@@ -34,8 +34,8 @@ struct ConnectionConfig {
 /// Returns nothing when the shell cannot be started, the port file is missing, empty, cannot
 /// be read or holds anything but digits and line feeds, the port overflows, or there is no socket
 /// path and the port is 1 or more but not the default one. Prints "fopen: %s\n" for each file
-/// that cannot be opened and "strtol: %s\n" when the port overflows, with the system's word for it;
-/// what the shell's commands print on standard error passes through.
+/// that cannot be opened and "strtol: %s\n" when the port overflows, with the system's words for
+/// it; what the shell's commands print on standard error passes through.
 [[nodiscard]] std::optional<ConnectionConfig> ReadConnectionConfig();
 
 /// Reads the first line, at most 1023 bytes, of the file "redis." + key in directory. Its line end

@@ -15,8 +15,8 @@ namespace ostrafel {
 
 /// What reading needs besides the file. One thread uses it, for one file at a time.
 struct DocumentState {
-  /// jansson got no memory: its parser leaves out, silently, the characters of a string for which
-  /// there is none.
+  /// jansson was refused memory while it read the file. Its parser then drops characters of strings
+  /// without an error.
   bool is_memory_exhausted = false;
   /// stdio's buffer of the file. Most files fit in and take one read.
   std::array<char, 32768> file_buffer = {};

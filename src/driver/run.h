@@ -11,9 +11,10 @@ namespace ostrafel {
 ///
 /// Returns 0 and prints ">>> Ostrafel parsing successfully." on standard output, or returns -1 (the
 /// shell sees 255) after the messages of the step that failed, all on standard error. The
-/// connection is closed exactly once on every path that opened it. Of the exceptions that the
-/// standard library raises only the logic errors of writing a resource are handled; any other ends
-/// the process.
+/// connection is closed exactly once on every path that opened it. Its own messages are "Failed to
+/// connect to Redis\n" and "Invalid Action parameter.\n", the latter with the usage text. Logic
+/// errors of writing a resource and length errors of lists, batches and patterns become messages;
+/// any other exception of the standard library ends the process.
 int RunOstrafel(int argc, char** argv);
 
 }  // namespace ostrafel

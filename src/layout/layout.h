@@ -42,7 +42,7 @@ inline constexpr const char* ObjectRefMarker = "&&ObjectRef ";
 /// Points to the list of an array.
 inline constexpr const char* ArrayMarker = "&&Array ";
 
-/// What holds a value: a hash an object's members, a list an array's elements.
+/// A hash holds an object's members, a list an array's elements.
 enum class ParentKind { kHash, kList };
 
 /// A string in pieces, to be joined where it is kept. The pieces are borrowed; those left out are
@@ -83,10 +83,11 @@ void NormalizeKey(std::string& key);
 /// "*" when key ends with a slash. Glob characters in key keep their meaning.
 [[nodiscard]] std::string SubtreePattern(const std::string& key);
 
-/// True when pattern, of a subtree, is that of derived keys: it begins with "&&".
+/// True when pattern, of a subtree, matches derived keys only: it begins with "&&".
 [[nodiscard]] bool IsTwinPattern(std::string_view pattern);
 
-/// The pattern of the keys derived from those that pattern matches: "&&" + pattern.
+/// "&&" + pattern: the pattern of the twins of the keys that pattern matches. The parts of a
+/// resource lie below the twin of its key.
 [[nodiscard]] std::string TwinPattern(const std::string& pattern);
 
 /// What a create removes: the patterns uri, uri/*, &&uri/* or, for a uri that ends with a slash,

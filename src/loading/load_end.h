@@ -13,7 +13,8 @@ enum class LoadEnd {
   kDone,            ///< No message here: the driver has one for success.
   kTreeNotRemoved,  ///< "Fail to remove resource tree\n"
   kNoSuchPath,      ///< "Input path should be a file or directory\n"
-  kNotWalked,       ///< "Error occurs while reading files\n": a directory could not be read
+  kNotWalked,       ///< "Error occurs while reading files\n": a directory could not be read, or its
+                    ///< files not be listed
   kNotObject,       ///< "The content of %s is not a valid JSON data.\n": unreadable, no JSON object
   kBadId,           ///< No message: the "@odata.id" of a root is no string.
   kNotIncluded,     ///< ">>> Error occurs when processing &&File in %s\n"

@@ -26,11 +26,13 @@ struct Resource {
 /// the file's place. Prints nothing; raises bad_alloc as LoadJsonFile does.
 [[nodiscard]] Resource ReadResource(const std::string& path, const std::string& listed_key);
 
-/// Includes what the resource, read without a failure, names in "&&File". Likewise.
+/// Includes what a resource whose end is kDone names in "&&File"; its end is kNotIncluded when that
+/// fails. Prints nothing; raises bad_alloc as LoadJsonFile does.
 void IncludeInResource(Resource* resource);
 
 /// Reads the resource, includes what it names and writes it (WriteResource). Prints what is to be
-/// said of each step before the next one.
+/// said of each step before the next one, but not its end: that of the first failure, with the path
+/// or, of kLogicError, what the library says.
 [[nodiscard]] LoadOutcome LoadResource(Server* server, const std::string& path,
                                        const std::string& listed_key);
 

@@ -28,6 +28,7 @@ struct LoadRequest {
 /// still waits in the batches. Begins with the store state as it finds it, and clears its MergeMode
 /// for a create. Stops at the first failure; what was sent before stays in the store, what waits is
 /// dropped. Prints all messages but that of the end (PrintLoadEnd).
+/// Raises out_of_range for a create with an empty uri.
 [[nodiscard]] LoadOutcome LoadTree(Server* server, const LoadRequest& request);
 
 }  // namespace ostrafel

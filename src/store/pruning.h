@@ -11,8 +11,8 @@
 // flushed in between.
 //
 // Operations return 1 (success) or 0 (failure). They print nothing of their own. Removals queued
-// before a failure stay queued. Keys and names are used in glob patterns as they are: "*", "?" and
-// "[" in them match as Redis lets them match.
+// before a failure stay queued. Keys and names are used in glob patterns as they are: "*", "?", "["
+// and a backslash in them work as in Redis.
 #ifndef OSTRAFEL_STORE_PRUNING_H_
 #define OSTRAFEL_STORE_PRUNING_H_
 
@@ -49,9 +49,9 @@ enum ExpectedKind {
 
 /// Queues the removal of child_key and of every key below it when the key holds another type than
 /// expected, or a list; for a key without "&&" in front also of every key below its "&&" twin, but
-/// not of the twin itself. A list of plain values has nothing below it and costs no search. Neither
-/// does a subtree that was pruned before in this run; the mark of the twin's subtree does not
-/// count. Fails when the type is not answered, a search fails or a removal cannot be queued.
+/// not of the twin itself. A list that begins with a plain value is not searched below; nor is a
+/// subtree whose own pattern, not its twin's, lies under a mark of PrunedPrefixes. Fails when the
+/// type is not answered, a search fails or a removal cannot be queued.
 [[nodiscard]] unsigned PruneStaleKey(Server* server, const std::string& child_key,
                                      ExpectedKind expected);
 

@@ -20,9 +20,9 @@
 
 namespace ostrafel {
 
-/// Queues value as the last element of the list at key. A full batch: RemovalBatch, then ListBatch
-/// are flushed. What is too long for the standard library (length_error) gives 0, after
-/// PrintLengthError.
+/// Queues value as the last element of the list at key. When ListBatch is full, flushes
+/// RemovalBatch and then ListBatch first. What is too long for the standard library (length_error)
+/// gives 0, after PrintLengthError.
 [[nodiscard]] unsigned PutListItem(Server* server, const std::string& key, const Pieces& value);
 
 /// Queues value for field of the hash at key; likewise, with HashBatch. A field that waits already
@@ -38,7 +38,8 @@ enum RemovalKind {
 };
 
 /// Queues one removal; value is the field or the list value, and RemoveKey does not use it.
-/// Duplicates are kept. A full batch: RemovalBatch is flushed. Length errors as with PutListItem.
+/// Duplicates are kept. When RemovalBatch is full, flushes it first. Length errors as with
+/// PutListItem.
 [[nodiscard]] unsigned QueueRemoval(Server* server, const std::string& key, const Pieces& value,
                                     RemovalKind kind);
 

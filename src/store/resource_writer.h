@@ -42,8 +42,8 @@ namespace ostrafel {
                                           ParentKind parent);
 
 /// Writes the reference record of an object that holds nothing but an "@odata.id" string. In an
-/// update, removes what the member was before: an inline object, told by its record in the parent
-/// hash (AskFieldExists), goes with everything below it.
+/// update, removes what the member was before. If it was an inline object, which its record in the
+/// parent hash shows (AskFieldExists), everything below it goes as well.
 ///
 /// Returns 0 for any other object and when a step failed, which the caller does not tell apart.
 [[nodiscard]] unsigned WriteObjectReference(Server* server, const std::string& parent_key,

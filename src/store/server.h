@@ -27,8 +27,8 @@ enum class KeyType { kNone, kHash, kList, kOther };
 /// The type of key (TYPE). Nothing when the server does not answer with a status.
 [[nodiscard]] std::optional<KeyType> AskType(Server* server, const std::string& key);
 
-/// The first element of the list at key (LINDEX). Nothing when there is none or key holds another
-/// type.
+/// The first element of the list at key (LINDEX). Nothing when there is none, key holds another
+/// type, or the server does not answer with a string.
 [[nodiscard]] std::optional<std::string> AskFirstElement(Server* server, const std::string& key);
 
 /// True when the hash at key has the field (HEXISTS). An error or a missing answer counts as no.
@@ -80,9 +80,9 @@ inline constexpr const char* ListFlushFailed =
 
 // --- The removal of a tree ---------------------------------------------------------------------
 
-/// Deletes, at once, every key of the tree under uri: those that match a pattern of TreePatterns
-/// (layout.h) (KEYS), the keys found for one (DEL, one key each, as one pipeline) before the next
-/// is sent. Returns 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed
+/// Deletes, at once, every key of the tree under uri. For each pattern of TreePatterns (layout.h)
+/// in turn, asks for its keys (KEYS) and deletes them (a DEL for each, as one pipeline) before it
+/// goes on. Returns 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed
 /// is passed over, and what DEL answers does not matter. Returns 0 when the answer to a DEL cannot
 /// be read (after "Failed to get reply\n"), or the uri is too long for the standard library
 /// (PrintLengthError). Raises out_of_range for an empty uri.

@@ -18,7 +18,7 @@
 
 namespace ostrafel {
 
-/// A producer that finds this many items queued since its last flush flushes before it queues.
+/// The most items queued between two flushes of a batch (queue.h).
 inline constexpr std::uint32_t BatchLimit = 2000;
 
 /// Strings that a KeyedBatch keeps.
@@ -45,8 +45,8 @@ struct StoreState {
   /// by a create, whose tree starts empty.
   bool MergeMode = true;
 
-  /// Root keys and "@odata.id" keys -> whether the members of the object there were, or are just
-  /// being, written. They are written once per run, by whichever file comes first.
+  /// Keys of root objects, and of objects with an "@odata.id", -> whether this run has written
+  /// their members or is writing them: once, for whichever file comes first.
   std::map<std::string, bool> VisitedResourceMap;
 
   /// Prefixes whose keys below (prefix + "/...") were all queued for unlinking. Outlives the
