@@ -134,7 +134,7 @@ class RandomGlobs : public testing::Test {
   }
 
   TestStore store;
-  std::mt19937_64 generator{7000000};
+  std::mt19937 generator{7000000};
 };
 
 std::set<std::string> Names(const std::vector<model::Reply>& replies, std::size_t step) {

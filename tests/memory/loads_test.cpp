@@ -142,7 +142,7 @@ TEST_F(RandomRuns, OfTreesWithFaults) {
   for (std::uint64_t seed = 0; seed < 20 * TestFactor(); ++seed) {
     model::Sequence sequence = RandomSequence(9100000 + seed, options);
     model::TreeFolder& last = sequence[2].tree.back();
-    if (seed % 3 == 0) last.document = broken[seed % broken.size()];
+    if (seed % 3 == 0) last.document = broken[static_cast<std::size_t>(seed % broken.size())];
     ASSERT_NO_FATAL_FAILURE(PlayInBoth(sequence)) << seed;
   }
   EXPECT_GT(failures, 10U);

@@ -191,7 +191,7 @@ class Operations : public testing::Test {
   TestStore redis;
   Server server;
   std::string printed;
-  std::mt19937_64 generator{8000000};
+  std::mt19937 generator{8000000};
 };
 
 TEST_F(Operations, AnswerAndStoreWhatTheServerDoes) {

@@ -36,7 +36,7 @@ class ModelStore : public SystemTest {
 TEST_F(ModelStore, AnswersRandomCommandsAsTheServer) {
   contents["a"].value = std::string("text");
   store.Fill(contents);
-  std::mt19937_64 generator(1);
+  std::mt19937 generator(1);
   const auto pick = [&](const std::vector<std::string>& texts) {
     return texts[generator() % texts.size()];
   };
