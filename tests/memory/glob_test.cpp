@@ -144,8 +144,14 @@ std::set<std::string> Names(const std::vector<model::Reply>& replies, std::size_
 }
 
 TEST_F(RandomGlobs, MatchWhatTheServerMatches) {
-  constexpr std::string_view pattern_bytes = "aab-]^*?[[\\\\\x01\x80\xff";
-  constexpr std::string_view name_bytes = "abcab-]^_*?[\\\x01\x80\xff";
+  std::string_view pattern_bytes = "aab-]^*?[[\\\\\x01\x80\xff";
+  std::string_view name_bytes = "abcab-]^_*?[\\\x01\x80\xff";
+  // Under an emulator the server is the host's, whose chars may have a sign where these have none:
+  // then the last two bytes have another order.
+  if (std::string_view(OSTRAFEL_EMULATOR) != "") {
+    pattern_bytes.remove_suffix(2);
+    name_bytes.remove_suffix(2);
+  }
   std::size_t matches = 0;
   for (unsigned long store_number = 0; store_number < 40 * TestFactor(); ++store_number) {
     (void)store.Run("FLUSHALL");
