@@ -8,6 +8,7 @@
 #include "loading/resource_loading.h"
 #include "loading/static_data_walk.h"
 #include "store/store_state.h"
+#include "store/tree_removal.h"
 
 namespace ostrafel {
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The store that resources are written to, as far as writing needs one: five questions, three
-// flushes and the removal of a tree. A program links one of two: Redis (src/redis) or a store in
-// memory that answers like Redis (src/memory).
+// flushes and a deletion. A program links one of two: Redis (src/redis) or a store in memory that
+// answers like Redis (src/memory).
 //
 // Unless it says otherwise, an operation returns 1 for success and 0 for failure. Patterns are
 // Redis's globs (KEYS, SCAN MATCH).
@@ -78,15 +78,13 @@ inline constexpr const char* ListFlushFailed =
 /// list's new length. Its message is ListFlushFailed.
 [[nodiscard]] unsigned FlushListBatch(Server* server);
 
-// --- The removal of a tree ---------------------------------------------------------------------
+// --- Deletion, at once --------------------------------------------------------------------------
 
-/// Deletes, at once, every key of the tree under uri. For each pattern of TreePatterns (layout.h)
-/// in turn, asks for its keys (KEYS) and deletes them (a DEL for each, as one pipeline) before it
-/// goes on. Returns 1 when every pattern was tried: a KEYS that is refused, unanswered or malformed
-/// is passed over, and what DEL answers does not matter. Returns 0 when the answer to a DEL cannot
-/// be read (after "Failed to get reply\n"), or the uri is too long for the standard library
-/// (PrintLengthError). Raises out_of_range for an empty uri.
-[[nodiscard]] unsigned RemoveResourceTree(Server* server, const std::string& uri);
+/// Deletes every key that matches pattern: asks for the keys (KEYS) and deletes them (a DEL for
+/// each, as one pipeline). Returns 1 also when KEYS is refused, unanswered or malformed, which
+/// deletes nothing; what DEL answers does not matter. Returns 0 when the answer to a DEL cannot be
+/// read, after "Failed to get reply\n".
+[[nodiscard]] unsigned DeleteMatchingKeys(Server* server, const std::string& pattern);
 
 }  // namespace ostrafel
 

@@ -18,6 +18,7 @@
 #include "store/queue.h"
 #include "store/server.h"
 #include "store/store_state.h"
+#include "store/tree_removal.h"
 #include "support/sandbox.h"
 #include "support/test_factor.h"
 #include "support/test_store.h"

@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
+#include "store/tree_removal.h"
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
-#include "store/server.h"
 #include "store/store_fixture.h"
 
 namespace ostrafel {

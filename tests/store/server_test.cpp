@@ -12,6 +12,7 @@
 #include "store/pending.h"
 #include "store/queue.h"
 #include "store/store_state.h"
+#include "store/tree_removal.h"
 
 namespace ostrafel {
 

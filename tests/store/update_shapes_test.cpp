@@ -12,6 +12,7 @@
 #include "store/pruning.h"
 #include "store/resource_writer.h"
 #include "store/store_state.h"
+#include "store/tree_removal.h"
 
 namespace ostrafel {
 
