@@ -20,7 +20,7 @@ std::string Extension(const std::string& path) { return path.substr(path.rfind('
 // Puts the members of the file in the place of those of object.
 InclusionEnd Include(json_t* object, const std::string& name, Inclusion* inclusion) {
   if (name.find("..") != std::string::npos) return InclusionEnd::kParentNotation;
-  inclusion->path = IncludeRoot + name;
+  inclusion->path = Documents.include_root + name;
   if (!FileExists(inclusion->path.c_str())) return InclusionEnd::kNotFound;
   if (Extension(inclusion->path) == "xml") return InclusionEnd::kDone;
 

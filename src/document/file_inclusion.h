@@ -13,10 +13,6 @@
 
 namespace ostrafel {
 
-/// Where included files are looked for: the web server's document directory on the target. Names
-/// are appended to it as they are.
-inline constexpr const char* IncludeRoot = "/usr/local/nginx/www/";
-
 /// How an inclusion ends.
 enum class InclusionEnd {
   kDone,            ///< The members were replaced, or there was nothing to include.

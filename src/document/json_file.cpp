@@ -20,13 +20,7 @@ void* Allocate(std::size_t size) {
   return memory;
 }
 
-}  // namespace
-
-DocumentState Documents;
-
-void WatchJsonMemory() { json_set_alloc_funcs(Allocate, std::free); }
-
-JsonFile LoadJsonFile(const char* path) {
+JsonFile ReadJsonFile(const char* path) {
   JsonFile result;
   const File file(std::fopen(path, "r"));
   if (!file) return result;
@@ -45,6 +39,24 @@ JsonFile LoadJsonFile(const char* path) {
   // A document that lacks a character must not be stored.
   if (result.root && Documents.is_memory_exhausted) throw std::bad_alloc();
   return result;
+}
+
+JsonFile Copy(const JsonFile& file) {
+  return {Document(json_copy(file.root.get())), file.is_open, file.is_refused, file.is_short,
+          file.error};
+}
+
+}  // namespace
+
+DocumentState Documents;
+
+void WatchJsonMemory() { json_set_alloc_funcs(Allocate, std::free); }
+
+JsonFile LoadJsonFile(const char* path) {
+  if (Documents.kept_files == nullptr) return ReadJsonFile(path);
+  const auto [entry, is_new] = Documents.kept_files->try_emplace(path);
+  if (is_new) entry->second = ReadJsonFile(path);
+  return Copy(entry->second);
 }
 
 void PrintJsonFileMessages(const JsonFile& file) {

@@ -4,29 +4,15 @@
 #include "loading/tree_loading.h"
 
 #include <cstddef>
+#include <utility>
 
 #include "loading/resource_loading.h"
-#include "loading/static_data_walk.h"
 #include "store/store_state.h"
 #include "store/tree_removal.h"
 
 namespace ostrafel {
 
 namespace {
-
-// Lists the files of the path: its own, or those of the directory.
-LoadEnd FillLoadList(const LoadRequest& request, LoadList* list) {
-  const std::string& path = request.static_data_path;
-  if (IsJsonFile(path, PrintPathProblem)) {
-    // The load goes on with whatever the list holds.
-    (void)AppendToLoadList(path, request.uri, list, PrintPathProblem);
-    return LoadEnd::kDone;
-  }
-  if (!IsDirectory(path)) return LoadEnd::kNoSuchPath;
-  const bool is_walked =
-      WalkStaticData(path, request.uri, request.file_name, list, PrintPathProblem);
-  return is_walked ? LoadEnd::kDone : LoadEnd::kNotWalked;
-}
 
 // Removals first, so that what is stale is gone before the new values come. Stops at the first
 // failure: what waits in the later batches is then not sent.
@@ -37,22 +23,45 @@ bool FlushAllBatches(Server* server) {
 
 }  // namespace
 
-LoadOutcome LoadTree(Server* server, const LoadRequest& request) {
-  // The action comes before the path: a create with a bad path has emptied the tree.
-  if (request.action == LoadAction::kCreate) {
-    if (RemoveResourceTree(server, request.uri) == 0) return {LoadEnd::kTreeNotRemoved};
-    Store->MergeMode = false;
-  }
-  LoadList list;
-  const LoadEnd listed = FillLoadList(request, &list);
-  if (listed != LoadEnd::kDone) return {listed};
+LoadEnd BeginLoad(Server* server, const LoadRequest& request) {
+  if (request.action != LoadAction::kCreate) return LoadEnd::kDone;
+  if (RemoveResourceTree(server, request.uri) == 0) return LoadEnd::kTreeNotRemoved;
+  Store->MergeMode = false;
+  return LoadEnd::kDone;
+}
 
+LoadEnd ListFiles(const LoadRequest& request, LoadList* list, const TakeProblem& tell) {
+  const std::string& path = request.static_data_path;
+  if (IsJsonFile(path, tell)) {
+    // The load goes on with whatever the list holds.
+    (void)AppendToLoadList(path, request.uri, list, tell);
+    return LoadEnd::kDone;
+  }
+  if (!IsDirectory(path)) return LoadEnd::kNoSuchPath;
+  const bool is_walked = WalkStaticData(path, request.uri, request.file_name, list, tell);
+  return is_walked ? LoadEnd::kDone : LoadEnd::kNotWalked;
+}
+
+LoadOutcome LoadFiles(Server* server, const LoadList& list, OnFailure on_failure) {
+  LoadOutcome first;
   for (std::size_t i = 0; i < list.keys.size(); ++i) {
     LoadOutcome outcome = LoadResource(server, list.paths[i], list.keys[i]);
-    if (outcome.end != LoadEnd::kDone) return outcome;
+    if (outcome.end == LoadEnd::kDone) continue;
+    if (on_failure == OnFailure::kStop) return outcome;
+    if (first.end == LoadEnd::kDone) first = std::move(outcome);
   }
-  if (!FlushAllBatches(server)) return {LoadEnd::kNotFlushed};
-  return {};
+  if (!FlushAllBatches(server) && first.end == LoadEnd::kDone) first = {LoadEnd::kNotFlushed};
+  return first;
+}
+
+LoadOutcome LoadTree(Server* server, const LoadRequest& request) {
+  // The action comes before the path: a create with a bad path has emptied the tree.
+  const LoadEnd begun = BeginLoad(server, request);
+  if (begun != LoadEnd::kDone) return {begun};
+  LoadList list;
+  const LoadEnd listed = ListFiles(request, &list, PrintPathProblem);
+  if (listed != LoadEnd::kDone) return {listed};
+  return LoadFiles(server, list, OnFailure::kStop);
 }
 
 }  // namespace ostrafel

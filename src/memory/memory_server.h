@@ -7,6 +7,7 @@
 #ifndef OSTRAFEL_MEMORY_MEMORY_SERVER_H_
 #define OSTRAFEL_MEMORY_MEMORY_SERVER_H_
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -28,6 +29,9 @@ using Stored = std::variant<Hash, List, OtherType>;
 
 struct Server {
   std::map<std::string, Stored, std::less<>> keys;
+  /// The searches of all keys so far (FindKeys). A real server looks at each of its keys every
+  /// time.
+  std::size_t searches = 0;
 };
 
 }  // namespace ostrafel

@@ -45,6 +45,7 @@ bool AskFieldExists(Server* server, const std::string& key, const std::string& f
 }
 
 unsigned FindKeys(Server* server, const std::string& pattern, const TakeName& take) {
+  ++server->searches;
   return TakeEach(MatchingNames(server->keys, UpToNul(pattern)), take);
 }
 
