@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#include "check/check.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+
+#include "check/key_rules.h"
+#include "check/link_rules.h"
+#include "check/load_rules.h"
+#include "check/redfish_rules.h"
+#include "check/store_rules.h"
+#include "check/update_rules.h"
+#include "text/text_file.h"
+
+namespace ostrafel {
+
+namespace {
+
+constexpr std::array kRulesOfDocuments = {
+    CheckLoadRulesIn, CheckStoreRulesIn,  CheckKeyRulesIn,
+    CheckLinkRulesIn, CheckUpdateRulesIn, CheckRedfishRulesIn,
+};
+constexpr std::array kRulesOfTrees = {
+    CheckLoadRules, CheckStoreRules,  CheckKeyRules,
+    CheckLinkRules, CheckUpdateRules, CheckRedfishRules,
+};
+
+// Calls take with each place of the findings that is to be located.
+template <typename Take>
+void ForEachPlace(Findings* findings, const Take& take) {
+  const auto take_place = [&](Place* place) {
+    if (place->pointer && place->position.line == 0) take(place);
+  };
+  for (Finding& finding : *findings) {
+    take_place(&finding.place);
+    for (Related& related : finding.related) take_place(&related.place);
+  }
+}
+
+}  // namespace
+
+Findings CheckTree(const Survey& survey) {
+  Findings findings;
+  for (std::size_t i = 0; i < survey.files.size(); ++i) {
+    const std::optional<Subject> subject = ReadSubject(survey, i);
+    if (!subject) continue;
+    for (const auto& check : kRulesOfDocuments) check(survey, *subject, &findings);
+  }
+  for (const auto& check : kRulesOfTrees) check(survey, &findings);
+  return findings;
+}
+
+void LocateFindings(Findings* findings) {
+  std::map<std::string, std::set<std::string>> pointers;  // of each path
+  ForEachPlace(findings, [&](Place* place) { pointers[place->path].insert(*place->pointer); });
+  std::map<std::string, std::map<std::string, ValuePosition>> positions;
+  for (const auto& [path, wanted] : pointers) {
+    positions[path] = LocateValues(ReadTextFile(path), wanted);
+  }
+  ForEachPlace(findings, [&](Place* place) {
+    const auto& of_path = positions[place->path];
+    const auto found = of_path.find(*place->pointer);
+    if (found == of_path.end()) return;
+    place->position = place->spot == Spot::kName ? found->second.name : found->second.value;
+  });
+  const auto order = [](const Finding& a) {
+    return std::make_tuple(a.place.path, a.place.position.line, a.place.position.column,
+                           std::string(RuleOf(a.rule).name), a.place.pointer, a.message);
+  };
+  std::sort(findings->begin(), findings->end(),
+            [&](const Finding& a, const Finding& b) { return order(a) < order(b); });
+}
+
+}  // namespace ostrafel

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+// All rules on a whole tree.
+#ifndef OSTRAFEL_CHECK_CHECK_H_
+#define OSTRAFEL_CHECK_CHECK_H_
+
+#include <vector>
+
+#include "check/finding.h"
+#include "check/survey.h"
+
+namespace ostrafel {
+
+/// What all rules find in the tree, without positions.
+[[nodiscard]] Findings CheckTree(const Survey& survey);
+
+/// Reads the texts once more to find where the findings, and what is related to them, stand; then
+/// sorts them by path, line, column and rule. What is no longer there keeps {0, 0}.
+void LocateFindings(Findings* findings);
+
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_CHECK_CHECK_H_

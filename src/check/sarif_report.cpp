@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#include "check/report.h"
+
+namespace ostrafel {
+
+std::string SarifReport(const CheckOptions& /*options*/, const Report& /*report*/) { return "\n"; }
+
+}  // namespace ostrafel

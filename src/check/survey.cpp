@@ -1,0 +1,199 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#include "check/survey.h"
+
+#include <functional>
+#include <utility>
+
+#include "layout/resource_id.h"
+#include "loading/resource_loading.h"
+
+namespace ostrafel {
+
+namespace {
+
+// Key -> a hash of what it holds, to compare two stores without keeping both.
+using Digest = std::vector<std::size_t>;
+
+void Mix(std::size_t* hash, const std::string& text) {
+  // The constant, the golden ratio's digits, spreads what is added over all bits.
+  *hash ^= std::hash<std::string>()(text) + 0x9e3779b9 + (*hash << 6) + (*hash >> 2);
+}
+
+std::size_t HashOf(const std::string& key, const Stored& stored) {
+  std::size_t hash = stored.index();
+  Mix(&hash, key);
+  if (const Hash* fields = std::get_if<Hash>(&stored)) {
+    for (const auto& [name, value] : *fields) {
+      Mix(&hash, name);
+      Mix(&hash, value);
+    }
+  } else if (const List* list = std::get_if<List>(&stored)) {
+    for (const std::string& element : *list) Mix(&hash, element);
+  }
+  return hash;
+}
+
+Digest DigestOf(const Server& server) {
+  Digest digest;
+  digest.reserve(server.keys.size());
+  for (const auto& [key, stored] : server.keys) digest.push_back(HashOf(key, stored));
+  return digest;
+}
+
+std::size_t CountRecords(const Server& server) {
+  std::size_t records = 0;
+  for (const auto& [key, stored] : server.keys) {
+    if (const Hash* fields = std::get_if<Hash>(&stored)) records += fields->size();
+    if (const List* list = std::get_if<List>(&stored)) records += list->size();
+  }
+  return records;
+}
+
+LoadRequest With(LoadRequest request, LoadAction action) {
+  request.action = action;
+  return request;
+}
+
+void PlayLoads(Survey* survey) {
+  const LoadRequest create = With(survey->request, LoadAction::kCreate);
+  const LoadRequest update = With(survey->request, LoadAction::kUpdate);
+  const Listing& listing = survey->listing;
+  Server& store = survey->store;
+
+  survey->create = PlayLoad(&store, create, listing, OnFailure::kStop);
+  survey->keys = store.keys.size();
+  survey->records = CountRecords(store);
+  const bool fails = survey->create.status != 0;
+  if (fails) {
+    survey->update = PlayLoad(&store, update, listing, OnFailure::kStop);
+    store = {};
+    (void)PlayLoad(&store, create, listing, OnFailure::kGoOn);
+  }
+  const Digest created = DigestOf(store);
+  const Played updated =
+      PlayLoad(&store, update, listing, fails ? OnFailure::kGoOn : OnFailure::kStop);
+  if (!fails) survey->update = updated;
+  survey->searches = store.searches;
+  if (DigestOf(store) == created) return;
+  survey->updated = std::move(store);
+  store = {};
+  (void)PlayLoad(&store, create, listing, OnFailure::kGoOn);
+}
+
+// Reads the file that stands at that place of the listing.
+TreeFile ReadFile(const LoadList& list, std::size_t file) {
+  Resource resource = ReadResource(list.paths[file], list.keys[file]);
+  if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
+  TreeFile result = {list.paths[file], list.keys[file], resource.end, resource.key,
+                     list.paths[file]};
+  if (result.key.empty() && result.end != LoadEnd::kDone) result.key = result.listed_key;
+  if (resource.inclusion.file.root) result.text_path = resource.inclusion.path;
+  return result;
+}
+
+// True when the last member of the root cannot be written, which makes the load fail.
+bool IsFailing(const Outline& outline) {
+  std::size_t last_member = 0;
+  bool fails = false;
+  for (std::size_t i = 1; i < outline.size(); ++i) {
+    if (outline[i].parent == 0) {
+      last_member = i;
+      fails = false;
+    }
+    if (outline[i].kind == NodeKind::kBadId) fails = true;
+  }
+  return last_member != 0 && fails;
+}
+
+// Adds what the file claims, less what an object that comes too late holds.
+void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
+  std::vector<bool> is_late(outline.size());
+  for (std::size_t i = 0; i < outline.size(); ++i) {
+    const Node& node = outline[i];
+    if (i != 0 && is_late[node.parent]) {
+      is_late[i] = true;
+    } else if (i == 0 || node.has_own_id) {
+      std::vector<Claim>& claims = survey->claims[node.key];
+      claims.push_back({file, PointerOf(outline, i)});
+      is_late[i] = claims.size() > 1;
+    }
+  }
+}
+
+}  // namespace
+
+Survey SurveyTree(const LoadRequest& request) {
+  Survey survey;
+  survey.request = request;
+  survey.listing = ListTree(request);
+  PlayLoads(&survey);
+  const std::size_t count = survey.listing.list.keys.size();
+  survey.files.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    survey.files.push_back(ReadFile(survey.listing.list, i));
+    const std::optional<Subject> subject = ReadSubject(survey, i);
+    if (subject) {
+      AddClaims(i, subject->outline, &survey);
+    } else {
+      survey.unread_keys.insert(survey.files[i].key);
+    }
+  }
+  return survey;
+}
+
+std::optional<Subject> ReadSubject(const Survey& survey, std::size_t file) {
+  const TreeFile& tree_file = survey.files[file];
+  if (tree_file.end != LoadEnd::kDone) return std::nullopt;
+  Resource resource = ReadResource(tree_file.path, tree_file.listed_key);
+  if (resource.end != LoadEnd::kDone) return std::nullopt;
+  Subject subject;
+  subject.file = file;
+  subject.own_root.reset(json_copy(resource.file.root.get()));
+  IncludeInResource(&resource);
+  subject.root = std::move(resource.file.root);
+  subject.outline = OutlineOf(subject.root.get(), tree_file.key);
+  subject.is_failing = IsFailing(subject.outline);
+  const auto claims = survey.claims.find(tree_file.key);
+  subject.is_stored = claims == survey.claims.end() || claims->second.front().file == file;
+  return subject;
+}
+
+bool IsStored(const Survey& survey, const Subject& subject, std::size_t node) {
+  const Outline& outline = subject.outline;
+  for (std::size_t i = node;; i = outline[i].parent) {
+    if (i == 0 || outline[i].has_own_id) {
+      const auto found = survey.claims.find(outline[i].key);
+      // An object within one that comes too late claims nothing, and is not found as the first.
+      if (found == survey.claims.end()) return false;
+      const Claim& first = found->second.front();
+      if (first.file != subject.file || first.pointer != PointerOf(outline, i)) return false;
+    }
+    if (i == 0) return true;
+  }
+}
+
+Place PlaceOf(const Survey& survey, const Subject& subject, const std::string& pointer, Spot spot) {
+  const TreeFile& file = survey.files[subject.file];
+  return {pointer == "/&&File" ? file.path : file.text_path, pointer, spot};
+}
+
+Place PlaceOf(const Survey& survey, const Subject& subject, std::size_t node, Spot spot) {
+  return PlaceOf(survey, subject, PointerOf(subject.outline, node), spot);
+}
+
+Place PlaceOf(const Survey& survey, const Claim& claim) {
+  const TreeFile& file = survey.files[claim.file];
+  if (!claim.pointer.empty()) return {file.text_path, ChildPointer(claim.pointer, IdMember)};
+  const std::optional<Subject> subject = ReadSubject(survey, claim.file);
+  const bool has_id = subject && json_object_get(subject->own_root.get(), IdMember) != nullptr;
+  return {file.path, has_id ? ChildPointer("", IdMember) : ""};
+}
+
+bool IsKey(const Survey& survey, const std::string& key) {
+  return survey.store.keys.find(key) != survey.store.keys.end() ||
+         survey.unread_keys.count(key) != 0;
+}
+
+}  // namespace ostrafel

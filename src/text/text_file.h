@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#ifndef OSTRAFEL_TEXT_TEXT_FILE_H_
+#define OSTRAFEL_TEXT_TEXT_FILE_H_
+
+#include <string>
+
+namespace ostrafel {
+
+/// The bytes of the file at path, as many as can be read; none when it cannot be opened.
+[[nodiscard]] std::string ReadTextFile(const std::string& path);
+
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_TEXT_TEXT_FILE_H_
