@@ -31,7 +31,8 @@ struct ValuePosition {
 };
 
 /// Finds the values of these JSON pointers (RFC 6901). Where a name stands twice in an object, the
-/// last one counts. What is not found, all from where the text is no JSON, is left out.
+/// last one counts, and an overwritten value holds nothing. What is not found is left out, as is
+/// all from where the text is no JSON.
 [[nodiscard]] std::map<std::string, ValuePosition> LocateValues(
     std::string_view text, const std::set<std::string>& pointers);
 
@@ -42,11 +43,14 @@ struct DuplicateMember {
 };
 
 /// The duplicate members of all objects that count, in the order of their second places; each
-/// pointer once. What an overwritten value holds does not count.
+/// pointer once. What an overwritten value holds does not count. Cheap where there are none, as a
+/// text is only parsed when it may hold some.
 [[nodiscard]] std::vector<DuplicateMember> FindDuplicateMembers(std::string_view text);
 
-/// The start of the token at which jansson refused the text: error holds its line, and the column
-/// and byte offset at which it stopped, a byte-order mark not counted.
+/// The start of the token at which jansson refused the text; where the text ends too early, its
+/// end; what is not UTF-8 outside of a string, its first byte. error is jansson's, which holds how
+/// much of the text it had read, a byte-order mark not counted. Always a position in the text or at
+/// its end.
 [[nodiscard]] Position LocateError(std::string_view text, const json_error_t& error);
 
 }  // namespace ostrafel
