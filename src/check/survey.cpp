@@ -82,10 +82,8 @@ void PlayLoads(Survey* survey) {
   (void)PlayLoad(&store, create, listing, OnFailure::kGoOn);
 }
 
-// Reads the file that stands at that place of the listing.
-TreeFile ReadFile(const LoadList& list, std::size_t file) {
-  Resource resource = ReadResource(list.paths[file], list.keys[file]);
-  if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
+// What is known of the file that stands at that place of the listing, and its resource.
+TreeFile FileOf(const LoadList& list, std::size_t file, const Resource& resource) {
   TreeFile result = {list.paths[file], list.keys[file], resource.end, resource.key,
                      list.paths[file]};
   if (result.key.empty() && result.end != LoadEnd::kDone) result.key = result.listed_key;
@@ -122,6 +120,19 @@ void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
   }
 }
 
+// Takes the file that stands at that place of the listing into the survey.
+void AddFile(std::size_t file, Survey* survey) {
+  const LoadList& list = survey->listing.list;
+  Resource resource = ReadResource(list.paths[file], list.keys[file]);
+  if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
+  survey->files.push_back(FileOf(list, file, resource));
+  if (resource.end == LoadEnd::kDone) {
+    AddClaims(file, OutlineOf(resource.file.root.get(), resource.key), survey);
+  } else {
+    survey->unread_keys.insert(survey->files.back().key);
+  }
+}
+
 }  // namespace
 
 Survey SurveyTree(const LoadRequest& request) {
@@ -131,15 +142,7 @@ Survey SurveyTree(const LoadRequest& request) {
   PlayLoads(&survey);
   const std::size_t count = survey.listing.list.keys.size();
   survey.files.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    survey.files.push_back(ReadFile(survey.listing.list, i));
-    const std::optional<Subject> subject = ReadSubject(survey, i);
-    if (subject) {
-      AddClaims(i, subject->outline, &survey);
-    } else {
-      survey.unread_keys.insert(survey.files[i].key);
-    }
-  }
+  for (std::size_t i = 0; i < count; ++i) AddFile(i, &survey);
   return survey;
 }
 
@@ -150,7 +153,9 @@ std::optional<Subject> ReadSubject(const Survey& survey, std::size_t file) {
   if (resource.end != LoadEnd::kDone) return std::nullopt;
   Subject subject;
   subject.file = file;
-  subject.own_root.reset(json_copy(resource.file.root.get()));
+  json_t* root = resource.file.root.get();
+  const bool includes = tree_file.text_path != tree_file.path;
+  subject.own_root.reset(includes ? json_copy(root) : json_incref(root));
   IncludeInResource(&resource);
   subject.root = std::move(resource.file.root);
   subject.outline = OutlineOf(subject.root.get(), tree_file.key);
