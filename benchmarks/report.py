@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Ostrafel developers
 # SPDX-License-Identifier: Apache-2.0
 
-"""Writes the figures of a run of measure.py into a Markdown document.
+"""Writes the figures of a run of measure.py, or of checking.py, into a Markdown document.
 
 A table goes between the comments "<!-- begin NAME -->" and "<!-- end NAME -->"; what lies outside
 of them is written by hand and stays."""
@@ -148,12 +148,22 @@ def pieces(measured):
     return table(["piece", "time", "CPU time", "unit"], rows)
 
 
+def check(measured):
+    rows = [[line["name"], thousands(line["files"]), milliseconds(line["wall"]),
+             f"{line['processor'] / line['files'] * 1e6:.1f}", f"{line['memory']:.1f}",
+             line["rounds"]] for line in measured["check"]]
+    return table(["tree", "files", "wall time, ms", "processor time per file, µs",
+                  "peak memory, MiB", "rounds"], rows)
+
+
 def machine(measured):
     return table(["measured", "with"], measured["machine"])
 
 
 def blocks(measured):
     """Name of a block -> its text."""
+    if "check" in measured:
+        return {"ostrafel-check": check(measured)}
     made = {"results": results(measured), "per file": per_file(measured),
             "start-up": start_up(measured), "machine": machine(measured),
             "pieces": pieces(measured)}
@@ -166,7 +176,8 @@ def blocks(measured):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("results", type=pathlib.Path, help="results.json of measure.py")
+    parser.add_argument("results", type=pathlib.Path, help="results.json of measure.py, or those of "
+                        "checking.py")
     parser.add_argument("document", type=pathlib.Path)
     arguments = parser.parse_args()
     text = arguments.document.read_text(encoding="utf-8")
