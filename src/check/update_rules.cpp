@@ -3,11 +3,76 @@
 
 #include "check/update_rules.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "check/update_losses.h"
+#include "check/update_reasons.h"
+
 namespace ostrafel {
+
+namespace {
+
+const char* NounOf(const Loss& loss) {
+  if (loss.at.second == 0) return "resource";
+  switch (loss.kind) {
+    case NodeKind::kScalar:
+      return "value";
+    case NodeKind::kLink:
+      return "link";
+    case NodeKind::kArray:
+      return "array";
+    case NodeKind::kObject:
+    case NodeKind::kBadId:
+      break;
+  }
+  return "object";
+}
+
+// number in decimal, its digits in groups of three.
+std::string Grouped(std::uint64_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
+  return text;
+}
+
+void CheckLosses(const Survey& survey, Findings* findings) {
+  const std::vector<Loss> losses = FindLosses(survey);
+  const std::vector<Reason> reasons = ReasonsOf(survey, losses);
+  for (std::size_t i = 0; i < losses.size(); ++i) {
+    const Loss& loss = losses[i];
+    findings->push_back({RuleId::kUpdateLoses, loss.place, loss.key,
+                         std::string("an update of the unchanged tree loses this ") + NounOf(loss) +
+                             ", " + reasons[i].text,
+                         reasons[i].related});
+  }
+}
+
+void CheckSearches(const Survey& survey, Findings* findings) {
+  if (survey.searches == 0) return;
+  const std::size_t keys = survey.store.keys.size();
+  const std::uint64_t looks = std::uint64_t{survey.searches} * keys;
+  const bool is_one = survey.searches == 1;
+  findings->push_back({RuleId::kUpdateSlow,
+                       {},
+                       std::nullopt,
+                       "an update makes the server search all of its keys " +
+                           (is_one ? "once, for an array"
+                                   : Grouped(survey.searches) + " times, once for each array") +
+                           " that holds objects, arrays or links: with the " + Grouped(keys) +
+                           " keys of this tree alone it looks at " + Grouped(looks)});
+}
+
+}  // namespace
 
 void CheckUpdateRulesIn(const Survey& /*survey*/, const Subject& /*subject*/,
                         Findings* /*findings*/) {}
 
-void CheckUpdateRules(const Survey& /*survey*/, Findings* /*findings*/) {}
+void CheckUpdateRules(const Survey& survey, Findings* findings) {
+  CheckLosses(survey, findings);
+  CheckSearches(survey, findings);
+}
 
 }  // namespace ostrafel
