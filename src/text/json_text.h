@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+// Writing JSON of strings that may hold bytes that are no UTF-8. What comes of it always is UTF-8.
+#ifndef OSTRAFEL_TEXT_JSON_TEXT_H_
+#define OSTRAFEL_TEXT_JSON_TEXT_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ostrafel {
+
+/// Appends the string in quotes. A byte that is no UTF-8 becomes the lone surrogate "\udcNN", as in
+/// Python's error handler "surrogateescape": no byte is lost.
+void AppendJsonString(std::string_view string, std::string* text);
+
+/// Writes a JSON text, indented, one value after the other. The caller closes what it opens, and
+/// gives each member of an object its name first.
+class JsonWriter {
+ public:
+  void OpenObject() { Open('{', '}'); }
+  void OpenArray() { Open('[', ']'); }
+  void Close();
+
+  void Name(std::string_view name);
+  void String(std::string_view value);
+  void Number(std::size_t value);
+  void Bool(bool value);
+  void Null();
+
+  /// A member with a string.
+  void Member(std::string_view name, std::string_view value);
+
+  /// The text so far, ended by a line end.
+  [[nodiscard]] std::string Finish() const { return text_ + "\n"; }
+
+ private:
+  void Open(char opening, char closing);
+  void BeginValue();
+  void BeginLine();
+
+  std::string text_;
+  std::vector<char> closings_;  // of what is open, the outermost first
+  bool is_first_ = true;        // in what was opened last
+  bool is_named_ = false;       // a name has just been written
+};
+
+}  // namespace ostrafel
+
+#endif  // OSTRAFEL_TEXT_JSON_TEXT_H_
