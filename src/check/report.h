@@ -23,28 +23,48 @@ struct Report {
   Played create;
   Played update;
   Findings findings;  ///< Sorted by path, line, column, rule; with positions.
-  std::vector<BaselineEntry> unused_entries;  ///< Of the baseline.
+  std::vector<BaselineEntry> unused_entries;  ///< Those of the baseline that accept nothing.
 };
 
 /// How many findings have that level.
 [[nodiscard]] std::size_t CountOf(const Report& report, Level level);
 
-/// The path less the StaticDataPath in front of it and the slash between; unchanged when it is not
-/// below StaticDataPath.
+/// The path less the StaticDataPath in front of it and the slashes between; unchanged when it is
+/// not below StaticDataPath.
 [[nodiscard]] std::string RelativePath(const CheckOptions& options, const std::string& path);
+
+/// The path as a person would open it: with one slash behind the StaticDataPath, however many that
+/// ends with. An empty path stands for StaticDataPath itself.
+[[nodiscard]] std::string ShownPath(const CheckOptions& options, const std::string& path);
+
+/// "271 files, 430 keys, 7,321 records: 5 errors, 12 warnings, 3 notes; create ends with status 0,
+/// update with 0", without a line end.
+[[nodiscard]] std::string SummaryLine(const Report& report);
 
 // Each of these returns the whole output of its format, ended by a line end.
 
-/// "path:line:column: level: sentence [rule]", the line with a caret, the related places; in the
-/// end a line of figures. In 80 columns, with colors or without.
+/// Each finding as "path:line:column: level: sentence [rule]" on one line, the line of the file
+/// with a caret, the related places; then the entries of the baseline that accept nothing, what a
+/// load that fails would print in the end, and the summary. In 80 columns but for what is on one
+/// line so that programs can read it. Reads the files again. With options.quiet only findings and
+/// entries.
 [[nodiscard]] std::string TextReport(const CheckOptions& options, const Report& report,
                                      bool has_colors);
+
+/// One JSON object, as docs/ostrafel-check.schema.json describes it.
 [[nodiscard]] std::string JsonReport(const CheckOptions& options, const Report& report);
+
+/// A log of SARIF 2.1.0, for code scanning services and editors.
 [[nodiscard]] std::string SarifReport(const CheckOptions& options, const Report& report);
-/// Workflow commands of GitHub's runners.
+
+/// Workflow commands of GitHub's runners, which show the findings beside the changed lines; then
+/// the summary.
 [[nodiscard]] std::string GithubReport(const CheckOptions& options, const Report& report);
 
-/// The contents of a store as a JSON object.
+/// The contents of a store as a JSON object: {"KEY": {"hash": {"FIELD": "VALUE", ...}}, "KEY":
+/// {"list": ["VALUE", ...]}}, a key a line, keys and fields in the order of their bytes. A byte
+/// that is no UTF-8 is the lone surrogate "\udcNN". Keys of other types, which no load makes, are
+/// left out.
 [[nodiscard]] std::string StoreJson(const Server& server);
 
 }  // namespace ostrafel
