@@ -46,9 +46,10 @@ void ForEachPlace(Findings* findings, const Take& take) {
 
 }  // namespace
 
-Findings CheckTree(const Survey& survey) {
+Findings CheckTree(const Survey& survey, const TakeProgress& tell) {
   Findings findings;
   for (std::size_t i = 0; i < survey.files.size(); ++i) {
+    tell(i, survey.files.size());
     const std::optional<Subject> subject = ReadSubject(survey, i);
     if (!subject) continue;
     for (const auto& check : kRulesOfDocuments) check(survey, *subject, &findings);

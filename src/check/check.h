@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "check/finding.h"
+#include "check/progress.h"
 #include "check/survey.h"
 
 namespace ostrafel {
 
-/// What all rules find in the tree, without positions.
-[[nodiscard]] Findings CheckTree(const Survey& survey);
+/// What all rules find in the tree, without positions. Tells how many files it has looked at.
+[[nodiscard]] Findings CheckTree(
+    const Survey& survey, const TakeProgress& tell = [](std::size_t, std::size_t) {});
 
 /// Reads the texts once more to find where the findings, and what is related to them, stand; then
 /// sorts them by path, line, column and rule. What is no longer there keeps {0, 0}.

@@ -135,14 +135,17 @@ void AddFile(std::size_t file, Survey* survey) {
 
 }  // namespace
 
-Survey SurveyTree(const LoadRequest& request) {
+Survey SurveyTree(const LoadRequest& request, const TakeProgress& tell) {
   Survey survey;
   survey.request = request;
   survey.listing = ListTree(request);
   PlayLoads(&survey);
   const std::size_t count = survey.listing.list.keys.size();
   survey.files.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) AddFile(i, &survey);
+  for (std::size_t i = 0; i < count; ++i) {
+    AddFile(i, &survey);
+    tell(i + 1, count);
+  }
   return survey;
 }
 

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "check/finding.h"
+#include "check/progress.h"
 #include "document/document.h"
 #include "loading/load_end.h"
 #include "loading/tree_loading.h"
@@ -68,8 +69,9 @@ struct Survey {
 };
 
 /// Reads the tree and plays its loads. Prints nothing. Keeps all documents in Documents.kept_files,
-/// which must be set.
-[[nodiscard]] Survey SurveyTree(const LoadRequest& request);
+/// which must be set. Tells how many documents it has read.
+[[nodiscard]] Survey SurveyTree(
+    const LoadRequest& request, const TakeProgress& tell = [](std::size_t, std::size_t) {});
 
 /// A file's document, for the rules that look at one after the other.
 struct Subject {

@@ -1,0 +1,254 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+// The program as a person or a build runs it.
+#include "support/program.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/process.h"
+#include "support/temp_directory.h"
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+const std::string kHint = "Try 'ostrafel-check --help' for more information.\n";
+
+class CheckProgram : public ::testing::Test {
+ protected:
+  CheckProgram() {
+    directory.Write("tree/index.json", R"({"@odata.id": "/redfish/v1", "Name": "Root"})");
+    directory.Write("bad/index.json", R"({"Name": "Bad", "A": {"@odata.id": 1}})");
+  }
+
+  std::string Path(const std::string& name) const { return directory.path(name); }
+
+  TempDirectory directory;  ///< With a sound tree, and one that does not load.
+};
+
+Finished Check(const Words& words, const RunOptions& options = {}) {
+  Words command = ProgramCommand({});  // with what runs it, such as an emulator
+  command.back() = OSTRAFEL_CHECK_PROGRAM;
+  command.insert(command.end(), words.begin(), words.end());
+  return RunProgram(command, options);
+}
+
+// A sanitizer or an emulator needs memory of its own.
+bool HasMemoryOfItsOwn() {
+#if defined(__SANITIZE_ADDRESS__)
+  return false;
+#else
+  return !HasLauncher();
+#endif
+}
+
+// --- Status and messages -------------------------------------------------------------------------
+
+TEST_F(CheckProgram, EndsWith0WhenNothingIsFound) {
+  const Finished finished = Check({Path("tree")});
+  EXPECT_EQ(finished.status, 0);
+  EXPECT_EQ(finished.err, "");
+}
+
+TEST_F(CheckProgram, EndsWith2AfterAWrongLine) {
+  const Finished finished = Check({Path("tree"), "--nonsense"});
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_EQ(finished.err, "ostrafel-check: unrecognized option '--nonsense'\n" + kHint);
+}
+
+TEST_F(CheckProgram, EndsWith2WhereNoTreeIs) {
+  for (const Words& more : {Words{}, Words{"--print-store"}}) {
+    Words words = {Path("none")};
+    words.insert(words.end(), more.begin(), more.end());
+    const Finished finished = Check(words);
+    EXPECT_EQ(finished.status, 2);
+    EXPECT_EQ(finished.out, "");
+    EXPECT_EQ(finished.err, "ostrafel-check: " + Path("none") + ": No such file or directory\n");
+  }
+}
+
+TEST_F(CheckProgram, EndsWith2WhereTheLoaderTakesNothing) {
+  const std::string path = directory.Write("notes.txt", "{}");
+  const Finished finished = Check({path});
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_EQ(finished.err, "ostrafel-check: " + path +
+                              ": is neither a folder nor a file whose name ends in .json\n");
+}
+
+TEST_F(CheckProgram, EndsWith2WithoutTheIncludeFolder) {
+  for (const std::string& folder : {Path("none"), Path("tree/index.json")}) {
+    const Finished finished = Check({Path("tree"), "--www", folder});
+    EXPECT_EQ(finished.status, 2);
+    EXPECT_EQ(finished.err, "ostrafel-check: " + folder + "/: is no folder\n");
+  }
+}
+
+TEST_F(CheckProgram, TakesIncludedFilesFromTheFolder) {
+  directory.Write("tree/index.json", R"({"&&File": "x.json"})");
+  EXPECT_EQ(Check({Path("tree"), "--print-store"}).status, 1);
+  directory.Write("www/x.json", R"({"Name": "X"})");
+  const Finished finished = Check({Path("tree"), "--print-store", "--www", Path("www")});
+  EXPECT_EQ(finished.status, 0);
+  EXPECT_EQ(finished.err, "");
+}
+
+// --- The store -----------------------------------------------------------------------------------
+
+TEST_F(CheckProgram, PrintsTheStoreAndNothingElse) {
+  const Finished finished = Check({"--print-store", Path("tree")});
+  EXPECT_EQ(finished.status, 0);
+  EXPECT_EQ(finished.out.compare(0, 1, "{"), 0);
+  EXPECT_EQ(finished.err, "");
+}
+
+TEST_F(CheckProgram, SaysWhatACreateSaysBesideTheStore) {
+  const Finished finished = Check({"--print-store", Path("bad")});
+  EXPECT_EQ(finished.status, 1);
+  EXPECT_EQ(finished.out.compare(0, 1, "{"), 0);
+  EXPECT_EQ(finished.err, ">>> Error occurs while parsing file " + Path("bad/index.json") + "\n");
+}
+
+// --- Output that cannot be written ---------------------------------------------------------------
+
+TEST_F(CheckProgram, EndsWith2WhenTheDiskIsFull) {
+  RunOptions full;
+  full.in_child = [] { (void)dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+  for (const Words& words :
+       {Words{"--help"}, Words{"--list-rules"}, Words{"--explain", "key-case"}, Words{"--version"},
+        Words{"--print-store", Path("tree")}, Words{"--format", "json", Path("tree")}}) {
+    const Finished finished = Check(words, full);
+    EXPECT_EQ(finished.status, 2) << words[0];
+    EXPECT_EQ(finished.err, "ostrafel-check: standard output: No space left on device\n");
+  }
+}
+
+TEST_F(CheckProgram, EndsWith2WithoutStandardOutput) {
+  RunOptions closed;
+  closed.in_child = [] { (void)close(STDOUT_FILENO); };
+  const Finished finished = Check({"--version"}, closed);
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.err, "ostrafel-check: standard output: Bad file descriptor\n");
+}
+
+TEST_F(CheckProgram, WritesNoMessageIntoAFileOfItsOwn) {
+  RunOptions closed;
+  closed.in_child = [] {
+    (void)close(STDOUT_FILENO);
+    (void)close(STDERR_FILENO);
+  };
+  const Finished finished = Check({"--print-store", Path("bad")}, closed);
+  EXPECT_EQ(finished.status, 2);
+}
+
+TEST_F(CheckProgram, EndsWith2WhenMemoryRunsOut) {
+  if (!HasMemoryOfItsOwn()) GTEST_SKIP() << "something else uses memory, too";
+  std::string elements = "1";
+  for (int i = 0; i < 2000000; ++i) elements += ",1";
+  directory.Write("tree/index.json", R"({"Name": "Big", "List": [)" + elements + "]}");
+  RunOptions small;
+  small.in_child = [] {
+    const rlimit limit = {32UL << 20U, 32UL << 20U};
+    (void)setrlimit(RLIMIT_AS, &limit);
+  };
+  const Finished finished = Check({"--print-store", Path("tree")}, small);
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_EQ(finished.err, "ostrafel-check: out of memory\n");
+}
+
+// --- A terminal ----------------------------------------------------------------------------------
+
+// The end of a terminal that the program does not see. One program at a time can be given it.
+class Terminal {
+ public:
+  Terminal() : descriptor_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    if (grantpt(descriptor_) != 0 || unlockpt(descriptor_) != 0) return;
+    (void)ptsname_r(descriptor_, name.data(), name.size());
+  }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  ~Terminal() { (void)close(descriptor_); }
+
+  // All that was shown, which must be little: nobody reads before the program has ended.
+  std::string Text() const {
+    std::string text;
+    std::array<char, 4096> buffer = {};
+    for (;;) {
+      const ssize_t size = read(descriptor_, buffer.data(), buffer.size());
+      if (size <= 0) return text;  // an error, when the program has closed its end
+      text.append(buffer.data(), static_cast<std::size_t>(size));
+    }
+  }
+
+  static std::array<char, 64> name;
+
+ private:
+  int descriptor_;
+};
+std::array<char, 64> Terminal::name;
+
+// A tree of two files, of which one takes more than a second to be read.
+class CheckOnATerminal : public CheckProgram {
+ protected:
+  CheckOnATerminal() {
+    directory.Write("tree/A/index.json", R"({"&&File": "pipe"})");
+    directory.Write("www/file", R"({"A": 1})");
+    EXPECT_EQ(mkfifo(Path("www/pipe").c_str(), 0600), 0);
+    options.in_child = [] {
+      (void)dup2(open(Terminal::name.data(), O_RDWR | O_NOCTTY), STDERR_FILENO);
+    };
+    // The program may open the pipe from the start, and meets its end when the second is over.
+    options.on_start =
+        [this, pipe = open(Path("www/pipe").c_str(), O_RDWR | O_CLOEXEC)](int /*process_id*/) {
+          writer = std::thread([this, pipe] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+            EXPECT_EQ(write(pipe, R"({"A": 1})", 8), 8);
+            EXPECT_EQ(rename(Path("www/file").c_str(), Path("www/pipe").c_str()), 0);
+            EXPECT_EQ(close(pipe), 0);
+          });
+        };
+  }
+
+  Finished Check(const Words& more) {
+    Words words = {Path("tree"), "--www", Path("www")};
+    words.insert(words.end(), more.begin(), more.end());
+    Finished finished = ::Check(words, options);
+    writer.join();
+    return finished;
+  }
+
+  Terminal terminal;
+  RunOptions options;
+  std::thread writer;
+};
+
+TEST_F(CheckOnATerminal, ShowsHowFarItIsAndTakesThatAway) {
+  EXPECT_EQ(Check({}).status, 0);
+  const std::string text = terminal.Text();
+  EXPECT_EQ(text.compare(0, 6, "\rread "), 0) << text;
+  EXPECT_NE(text.find(" of 2 files"), std::string::npos) << text;
+  ASSERT_GE(text.size(), 2U);
+  EXPECT_EQ(text.substr(text.size() - 2), " \r") << text;
+}
+
+TEST_F(CheckOnATerminal, ShowsNoProgressWhereItIsToBeQuiet) {
+  EXPECT_EQ(Check({"--quiet"}).status, 0);
+  EXPECT_EQ(terminal.Text(), "");
+}
+
+}  // namespace
