@@ -12,9 +12,10 @@
 #   of FILE KIND NAME [NAME=VALUE]   asks recipe.py, with what BitBake's own configuration says
 #   task_of FILE FUNCTION [NAME=VALUE]
 #                                    prints a function in shell, with what tasks have beside it
-#   $options $with_manual $without_manual $manual_needs
+#   $options $with_manual $without_manual $manual_needs $with_tools $without_tools $tools_need
 #                                    what the recipe configures with
-#   install_image MANUAL             installs into $image what the recipe would
+#   install_image MANUAL [TOOLS]     installs into $image what the recipe would, by default without
+#                                    the tools
 
 root=$(readlink -f -- "${BASH_SOURCE[0]}")
 root=${root%/*/*/*}
@@ -54,15 +55,18 @@ task_of() {
 
 IFS=, read -r with_manual without_manual manual_needs \
   <<<"$(of "$recipe" variable 'PACKAGECONFIG[manpages]')"
+IFS=, read -r with_tools without_tools tools_need <<<"$(of "$recipe" variable 'PACKAGECONFIG[tools]')"
 read -ra options <<<"$(of "$recipe" variable EXTRA_OECMAKE)"
 
-# The program is that of the installation that there is.
+# The programs are those of the installation that there is.
 install_image() {
+  local tools=${2:-$without_tools}
   rm -rf -- "$work/build"
   {
-    cmake -S "$root" -B "$work/build" -DCMAKE_INSTALL_PREFIX=/usr "${options[@]}" "$1" &&
+    cmake -S "$root" -B "$work/build" -DCMAKE_INSTALL_PREFIX=/usr "${options[@]}" "$1" "$tools" &&
       { [[ $1 != "$with_manual" ]] || cmake --build "$work/build" --target manual; } &&
       cp -- "$OSTRAFEL_INSTALLED/bin/Ostrafel" "$work/build/" &&
+      { [[ $tools != "$with_tools" ]] || cp -- "$OSTRAFEL_INSTALLED/bin/ostrafel-check" "$work/build/"; } &&
       DESTDIR=$image cmake --install "$work/build"
   } >"$work/install.log" 2>&1 || sed 's/^/#   /' "$work/install.log"
 }

@@ -32,13 +32,16 @@ EXTRA_OECMAKE = "\
     -DOSTRAFEL_REDIS_USER=redis \
 "
 PACKAGECONFIG[manpages] = "-DOSTRAFEL_MANUAL=ON,-DOSTRAFEL_MANUAL=OFF,scdoc-native"
+# For an image on which trees are written. The loader needs nothing of it.
+PACKAGECONFIG[tools] = "-DOSTRAFEL_TOOLS=ON,-DOSTRAFEL_TOOLS=OFF,nlohmann-json"
 
 # SYSTEMD_SERVICE names none of the units. Redis's start pulls the publisher and the target in, by
 # links in the package; what SYSTEMD_SERVICE names is started again by an upgrade, which would load
 # the trees over what has changed since; and a template that it names is disabled, with its instances.
 FILES:${PN} += "${systemd_system_unitdir} ${libexecdir}/ostrafel"
 
-PACKAGES =+ "${PN}-zsh-completion"
+PACKAGES =+ "${PN}-tools ${PN}-zsh-completion"
+FILES:${PN}-tools = "${bindir}/ostrafel-check ${datadir}/ostrafel"
 FILES:${PN}-zsh-completion = "${datadir}/zsh"
 
 # By name: without it, hiredis may bring another server. Of util-linux only what locks: BusyBox may be
