@@ -8,7 +8,12 @@ add_test(NAME installation COMMAND sh -c
   "rm -rf '${installed}' && '${CMAKE_COMMAND}' --install '${PROJECT_BINARY_DIR}' --prefix '${installed}'")
 set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation COST 2000)
 
+set(tools_scripts "")
+if(OSTRAFEL_TOOLS)
+  set(tools_scripts check/hook_test)
+endif()
 foreach(script
+    ${tools_scripts}
     completion/bash_test
     completion/zsh_test
     man/manual_test
