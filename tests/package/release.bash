@@ -21,7 +21,7 @@ readonly release_folder
 
 readonly plain_packages=(g++ cmake make pkgconf libhiredis-dev libjansson-dev)
 readonly full_packages=(
-  "${plain_packages[@]}" ninja-build libgtest-dev locales
+  "${plain_packages[@]}" nlohmann-json3-dev ninja-build libgtest-dev locales
   redis-server redis-tools valkey-server util-linux mount iproute2
   build-essential debhelper scdoc lintian
 )
