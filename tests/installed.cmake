@@ -10,7 +10,7 @@ set_tests_properties(installation PROPERTIES FIXTURES_SETUP installation COST 20
 
 set(tools_scripts "")
 if(OSTRAFEL_TOOLS)
-  set(tools_scripts check/hook_test)
+  set(tools_scripts check/hook_test check/matcher_test)
 endif()
 foreach(script
     ${tools_scripts}
