@@ -52,7 +52,7 @@ class TokenEvents {
     return Number();
   }
   bool string(const std::string& /*value*/) { return Scalar(); }
-  bool binary(const json::binary_t& /*value*/) { return false; }  // no text holds one
+  static bool binary(const json::binary_t& /*value*/) { return false; }  // no text holds one
   bool key(const std::string& name) {
     visitor_->OnName(name, TakeToken());
     return true;
@@ -61,8 +61,8 @@ class TokenEvents {
   bool start_array(std::size_t /*size*/) { return Open(true); }
   bool end_object() { return Close(); }
   bool end_array() { return Close(); }
-  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
-                   const json::exception& /*error*/) {
+  static bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                          const json::exception& /*error*/) {
     return false;
   }
   // NOLINTEND(readability-identifier-naming)
