@@ -126,7 +126,7 @@ void CheckTargets(const Survey& survey, const Subject& subject, const Actions& a
   const TreeFile& file = survey.files[subject.file];
   // jansson's iterators take no const object, though they change none.
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
-  json_t* object = const_cast<json_t*>(actions.object);
+  auto* object = const_cast<json_t*>(actions.object);
   for (void* member = json_object_iter(object); member != nullptr;
        member = json_object_iter_next(object, member)) {
     const std::string name = json_object_iter_key(member);
@@ -134,11 +134,11 @@ void CheckTargets(const Survey& survey, const Subject& subject, const Actions& a
     if (name.compare(0, 1, "#") != 0 || target == nullptr) continue;
     const std::string action = name.substr(1);
     if (IsTarget(file, actions, action, target)) continue;
+    std::string wanted = WithoutLastSlash(file.key);
+    wanted.append(actions.is_oem ? "/Actions/Oem/" : "/Actions/").append(action);
     Add(RuleId::kRedfishActionTarget, survey, subject,
         ChildPointer(ChildPointer(actions.pointer, name), "target"),
-        "the target of the action " + action + " should be \"" + WithoutLastSlash(file.key) +
-            "/Actions/" + (actions.is_oem ? "Oem/" : "") + action + "\"",
-        findings);
+        "the target of the action " + action + " should be \"" + wanted + "\"", findings);
   }
 }
 

@@ -67,11 +67,11 @@ bool IsContainer(const Node& node) {
   return node.kind == NodeKind::kObject || node.kind == NodeKind::kArray;
 }
 
-// True when the members or elements of the node are of the kind that is stored at its key.
-bool IsStoredKind(const Survey& survey, const Node& node) {
+// True when a value of the other kind is stored at the key of the node.
+bool IsMixed(const Survey& survey, const Node& node) {
   const auto found = survey.store.keys.find(node.key);
   if (found == survey.store.keys.end()) return false;
-  return std::holds_alternative<List>(found->second) == (node.kind == NodeKind::kArray);
+  return std::holds_alternative<List>(found->second) != (node.kind == NodeKind::kArray);
 }
 
 bool IsEmpty(const json_t* value) {
@@ -90,9 +90,10 @@ class Search {
     }
   }
 
-  [[nodiscard]] std::vector<Loss> TakeLosses() {
-    const auto is_mixed = [&](const Loss& loss) { return mixed_keys_.count(loss.key) != 0; };
-    losses_.erase(std::remove_if(losses_.begin(), losses_.end(), is_mixed), losses_.end());
+  [[nodiscard]] Losses TakeLosses() {
+    const auto is_mixed = [&](const Loss& loss) { return losses_.mixed_keys.count(loss.key) != 0; };
+    auto& values = losses_.values;
+    values.erase(std::remove_if(values.begin(), values.end(), is_mixed), values.end());
     return std::move(losses_);
   }
 
@@ -101,12 +102,12 @@ class Search {
   bool TakeKey(const Subject& subject, std::size_t index) {
     const Node& node = subject.outline[index];
     if (!IsContainer(node) || IsEmpty(node.value)) return false;
+    const bool is_mixed = IsMixed(survey_, node);
     const bool is_lost = difference_.keys.count(node.key) != 0;
-    if (!is_lost && difference_.records.count(node.key) == 0) return false;
-    if (!IsStored(survey_, subject, index)) return false;
-    if (!IsStoredKind(survey_, node)) mixed_keys_.insert(node.key);
+    if ((!is_mixed && !is_lost) || !IsStored(survey_, subject, index)) return false;
+    if (is_mixed) losses_.mixed_keys.insert(node.key);
     if (is_lost && found_keys_.insert(node.key).second) {
-      losses_.push_back(
+      losses_.values.push_back(
           {{subject.file, index}, PlaceOf(survey_, subject, index), node.kind, node.key, true});
     }
     return is_lost;
@@ -121,24 +122,24 @@ class Search {
     const auto found = records->second.find({record.field, record.value});
     if (found == records->second.end() || !IsStored(survey_, subject, node.parent)) return;
     if (--found->second == 0) records->second.erase(found);
-    losses_.push_back({{subject.file, index},
-                       PlaceOf(survey_, subject, index),
-                       node.kind,
-                       key,
-                       false,
-                       std::move(record)});
+    losses_.values.push_back({{subject.file, index},
+                              PlaceOf(survey_, subject, index),
+                              node.kind,
+                              key,
+                              false,
+                              node.name != nullptr ? node.name : "",
+                              std::move(record)});
   }
 
   const Survey& survey_;
   Difference difference_;
-  std::vector<Loss> losses_;
+  Losses losses_;
   std::unordered_set<std::string> found_keys_;
-  std::unordered_set<std::string> mixed_keys_;
 };
 
 }  // namespace
 
-std::vector<Loss> FindLosses(const Survey& survey) {
+Losses FindLosses(const Survey& survey) {
   if (!survey.updated) return {};
   Search search(survey, DifferenceOf(survey.store, *survey.updated));
   for (std::size_t i = 0; i < survey.files.size(); ++i) {

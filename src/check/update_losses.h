@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -23,15 +24,22 @@ struct Loss {
   LoadOrder at;
   Place place;
   NodeKind kind = NodeKind::kScalar;
-  std::string key;      ///< The lost key, or the one that stays but for this record.
-  bool is_key = false;  ///< The whole key is lost: what it holds is not listed.
-  Record record = {};   ///< The lost record, unless the key is lost.
+  std::string key;        ///< The lost key, or the one that stays but for this record.
+  bool is_key = false;    ///< The whole key is lost: what it holds is not listed.
+  std::string name = {};  ///< Of the member that the record is of; empty for an element.
+  Record record = {};     ///< The lost record, unless the key is lost.
 };
 
-/// What the update of survey.updated loses, in the order of the load: each key once, at the object
-/// or array that is stored there, and each record of the keys that stay. What lies at a key that is
-/// to be a hash and a list is left out: not the update is to blame for it.
-[[nodiscard]] std::vector<Loss> FindLosses(const Survey& survey);
+struct Losses {
+  /// In the order of the load: each lost key once, at the object or array that is stored there, and
+  /// each record of the keys that stay. What lies at one of mixed_keys is left out.
+  std::vector<Loss> values;
+  /// Keys that are to be a hash and a list: not the update is to blame for what they lose.
+  std::unordered_set<std::string> mixed_keys;
+};
+
+/// What the update of survey.updated loses; nothing when that is not set.
+[[nodiscard]] Losses FindLosses(const Survey& survey);
 
 }  // namespace ostrafel
 

@@ -18,7 +18,7 @@ namespace {
 
 // How far above a lost key an array is looked for: keys with more names are nobody's. It bounds the
 // work that a key with thousands of slashes can make.
-constexpr int kLevels = 64;
+constexpr std::size_t kLevels = 64;
 
 // So many arrays with glob characters in their keys are tried on every loss.
 constexpr std::size_t kMaxGlobs = 100;
@@ -53,11 +53,10 @@ std::vector<std::string> NamesBehind(const Loss& loss) {
   if (loss.record.parent == ParentKind::kList) return {loss.record.value};
   std::vector<std::string> names;
   if (loss.kind != NodeKind::kLink) return names;
-  const std::string_view marker = ObjectRefMarker;
-  const std::string name = loss.record.field.substr(marker.size());
-  for (std::size_t blank = name.find(' '); blank != std::string::npos && names.size() < kLevels;
-       blank = name.find(' ', blank + 1)) {
-    names.push_back(name.substr(0, blank));
+  for (std::size_t blank = loss.name.find(' ');
+       blank != std::string::npos && names.size() < kLevels;
+       blank = loss.name.find(' ', blank + 1)) {
+    names.push_back(loss.name.substr(0, blank));
   }
   return names;
 }
@@ -67,7 +66,8 @@ Removers WantedFor(const std::vector<Loss>& losses) {
   Removers wanted;
   for (const Loss& loss : losses) {
     std::string key = loss.key;
-    for (int level = 0; level < kLevels && wanted.try_emplace(key).second && GoUp(&key);) ++level;
+    for (std::size_t level = 0; level < kLevels && wanted.try_emplace(key).second && GoUp(&key);)
+      ++level;
     if (loss.is_key) continue;
     for (const std::string& name : NamesBehind(loss)) wanted.try_emplace(MemberOf(loss.key, name));
   }
@@ -149,13 +149,14 @@ class Collection {
   std::vector<Remover> globs_;
 };
 
-// True when the update of the remover removes what is stored at its key, or below it.
+// True when the update of the remover removes what is stored at its key, or below it: it takes any
+// list, and a hash that is to be something else, for what the value was before.
 bool IsKeyRemover(const Survey& survey, const Remover& remover, bool is_below) {
   const auto found = survey.store.keys.find(remover.key);
-  if (found == survey.store.keys.end()) return remover.kind == NodeKind::kArray && !is_below;
+  if (found == survey.store.keys.end()) return false;
   const List* list = std::get_if<List>(&found->second);
-  if (is_below && list != nullptr) return IsReferenceRecord(list->front());
-  return remover.kind != NodeKind::kObject;
+  if (list == nullptr) return remover.kind != NodeKind::kObject;
+  return !is_below || IsReferenceRecord(list->front());
 }
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
@@ -168,12 +169,14 @@ std::optional<Reason> ReasonInKey(const Collection& collection, const Loss& loss
     if (remover == nullptr) continue;
     if (loss.record.parent == ParentKind::kList) {
       return Reason{"because the update of element " + name + " removes all that read " + name,
-                    {{remover->place, "element " + name}}};
+                    {{remover->place, "element " + name}},
+                    loss.key};
     }
     return Reason{"because the update of the member " + Quoted(name) +
                       " removes the links of all members whose names begin with " +
                       Quoted(name + " "),
-                  {{remover->place, "the member " + Quoted(name)}}};
+                  {{remover->place, "the member " + Quoted(name)}},
+                  loss.key};
   }
   const auto is_writer = [](const Remover& remover) {
     return remover.kind == NodeKind::kObject || remover.kind == NodeKind::kArray;
@@ -182,23 +185,24 @@ std::optional<Reason> ReasonInKey(const Collection& collection, const Loss& loss
   if (writer == nullptr) return std::nullopt;
   return Reason{"because another value is written to its key " + Quoted(loss.key) +
                     " after it, and the update removes what that one may have held",
-                {{writer->place, "what is written to the same key"}}};
+                {{writer->place, "what is written to the same key"}},
+                loss.key};
 }
 
 Reason ReasonByRemover(const Remover& remover, bool is_below) {
-  if (remover.kind != NodeKind::kArray) {
-    return {"because a value that comes after it would have the key " + Quoted(remover.key) +
-                " if it were an object, and the update removes what lies there",
-            {{remover.place, "the value that comes after it"}}};
-  }
-  if (is_below) {
-    return {"because its key begins like that of the array " + Quoted(remover.key) +
+  const std::string key = Quoted(remover.key);
+  if (is_below && remover.kind == NodeKind::kArray) {
+    return {"because its key begins like that of the array " + key +
                 ", whose update removes everything below itself",
-            {{remover.place, "the array whose update removes it"}}};
+            {{remover.place, "the array whose update removes it"}},
+            remover.key};
   }
-  return {"because the array that comes after it has the same key, " + Quoted(remover.key) +
+  const bool has_key = remover.kind == NodeKind::kArray || remover.kind == NodeKind::kObject;
+  return {std::string("because a value that comes after it ") +
+              (has_key ? "has the key " + key : "would have the key " + key + " as an object") +
               ", and its update removes what lies there",
-          {{remover.place, "the array whose update removes it"}}};
+          {{remover.place, "the value whose update removes it"}},
+          remover.key};
 }
 
 Reason ReasonOf(const Survey& survey, const Collection& collection, const Loss& loss) {
@@ -207,7 +211,7 @@ Reason ReasonOf(const Survey& survey, const Collection& collection, const Loss& 
     if (reason) return *reason;
   }
   std::string key = loss.key;
-  int level = 0;
+  std::size_t level = 0;
   do {
     const bool is_below = level != 0;
     const Remover* remover = collection.Find(loss, key, [&](const Remover& candidate) {

@@ -15,11 +15,12 @@
 namespace ostrafel {
 
 struct Reason {
-  std::string text;  ///< Goes on after "an update loses it, ".
-  std::vector<Related> related = {};
+  std::string text;                   ///< Goes on after "an update loses it, ".
+  std::vector<Related> related = {};  ///< Empty when no reason could be told.
+  std::string key = {};               ///< Of what is to blame; empty when none could be told.
 };
 
-/// The reason of each of these losses, which are FindLosses' of the survey. It is told from what is
+/// The reason of each of these values, which are FindLosses' of the survey. It is told from what is
 /// written after the lost value and begins like its key: the play itself gives no reasons.
 [[nodiscard]] std::vector<Reason> ReasonsOf(const Survey& survey, const std::vector<Loss>& losses);
 

@@ -38,11 +38,19 @@ std::string Grouped(std::uint64_t number) {
   return text;
 }
 
+// True when the loss follows from a key that is to be a hash and a list, which is a finding of its
+// own: a load that such a key refuses drops other things as well, for no reason of theirs.
+bool IsOfMixedKey(const Losses& losses, const Reason& reason) {
+  return !losses.mixed_keys.empty() &&
+         (reason.key.empty() || losses.mixed_keys.count(reason.key) != 0);
+}
+
 void CheckLosses(const Survey& survey, Findings* findings) {
-  const std::vector<Loss> losses = FindLosses(survey);
-  const std::vector<Reason> reasons = ReasonsOf(survey, losses);
-  for (std::size_t i = 0; i < losses.size(); ++i) {
-    const Loss& loss = losses[i];
+  const Losses losses = FindLosses(survey);
+  const std::vector<Reason> reasons = ReasonsOf(survey, losses.values);
+  for (std::size_t i = 0; i < reasons.size(); ++i) {
+    if (IsOfMixedKey(losses, reasons[i])) continue;
+    const Loss& loss = losses.values[i];
     findings->push_back({RuleId::kUpdateLoses, loss.place, loss.key,
                          std::string("an update of the unchanged tree loses this ") + NounOf(loss) +
                              ", " + reasons[i].text,

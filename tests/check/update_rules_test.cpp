@@ -100,10 +100,9 @@ TEST_F(UpdateRules, LoseAnArrayWhoseKeyAnEmptyOneHas) {
   EXPECT_EQ(LostOf({R"("P": {"@odata.id": "/redfish/v1/A", "B": [1, 2]})", Elements(),
                     R"("A": {"B": []})"}),
             (Lines{"update-loses index.json /P/B", "  index.json /A/B"}));
-  EXPECT_EQ(
-      ReasonOf(0),
-      "because the array that comes after it has the same key, \"&&/redfish/v1/A/B\", and its "
-      "update removes what lies there");
+  EXPECT_EQ(ReasonOf(0),
+            "because a value that comes after it has the key \"&&/redfish/v1/A/B\", and its update "
+            "removes what lies there");
 }
 
 TEST_F(UpdateRules, LoseElementsOfAnArrayWhoseKeyAnotherHas) {
@@ -124,10 +123,16 @@ TEST_F(UpdateRules, LoseWhatHasTheKeyThatALaterValueWouldHave) {
   EXPECT_EQ(LostOf({R"("P": {"@odata.id": "/redfish/v1/A", "B": ["c"]})", Elements(), later}),
             (Lines{"update-loses index.json /P/B", "  index.json /A/B"}));
   EXPECT_EQ(ReasonOf(0),
-            "because a value that comes after it would have the key \"&&/redfish/v1/A/B\" if it "
-            "were an object, and the update removes what lies there");
+            "because a value that comes after it would have the key \"&&/redfish/v1/A/B\" as an "
+            "object, and its update removes what lies there");
   EXPECT_EQ(LostOf({later, Fields(), R"("P": {"@odata.id": "/redfish/v1/A", "B": {"c": 1}})"}),
             Lines{});
+}
+
+TEST_F(UpdateRules, LoseAnArrayWhoseKeyAnEmptyObjectHas) {
+  EXPECT_EQ(
+      LostOf({R"("P": {"@odata.id": "/redfish/v1/A", "B": [1]})", Elements(), R"("A": {"B": {}})"}),
+      (Lines{"update-loses index.json /P/B", "  index.json /A/B"}));
 }
 
 TEST_F(UpdateRules, LoseAnObjectThatIsALinkInWhatHasTheSameKey) {
