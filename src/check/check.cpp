@@ -44,6 +44,17 @@ void ForEachPlace(Findings* findings, const Take& take) {
   }
 }
 
+// Keeps the first finding of several with one rule and place: those of a file that several include.
+void DropRepeated(Findings* findings) {
+  std::set<std::tuple<RuleId, std::string, std::string, Spot>> told;
+  const auto is_repeated = [&](const Finding& finding) {
+    const Place& place = finding.place;
+    return place.pointer &&
+           !told.insert({finding.rule, place.path, *place.pointer, place.spot}).second;
+  };
+  findings->erase(std::remove_if(findings->begin(), findings->end(), is_repeated), findings->end());
+}
+
 }  // namespace
 
 Findings CheckTree(const Survey& survey, const TakeProgress& tell) {
@@ -55,6 +66,7 @@ Findings CheckTree(const Survey& survey, const TakeProgress& tell) {
     for (const auto& check : kRulesOfDocuments) check(survey, *subject, &findings);
   }
   for (const auto& check : kRulesOfTrees) check(survey, &findings);
+  DropRepeated(&findings);
   return findings;
 }
 

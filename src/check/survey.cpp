@@ -8,6 +8,7 @@
 
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
+#include "store/server.h"
 
 namespace ostrafel {
 
@@ -51,6 +52,12 @@ std::size_t CountRecords(const Server& server) {
   return records;
 }
 
+// True when a store refused what it was sent. Only the type of a key makes one in memory do that.
+bool IsRefused(const Played& played) {
+  return played.messages.find(HashFlushFailed) != std::string::npos ||
+         played.messages.find(ListFlushFailed) != std::string::npos;
+}
+
 LoadRequest With(LoadRequest request, LoadAction action) {
   request.action = action;
   return request;
@@ -65,11 +72,12 @@ void PlayLoads(Survey* survey) {
   survey->create = PlayLoad(&store, create, listing, OnFailure::kStop);
   survey->keys = store.keys.size();
   survey->records = CountRecords(store);
+  survey->is_refused = IsRefused(survey->create);
   const bool fails = survey->create.status != 0;
   if (fails) {
     survey->update = PlayLoad(&store, update, listing, OnFailure::kStop);
     store = {};
-    (void)PlayLoad(&store, create, listing, OnFailure::kGoOn);
+    survey->is_refused = IsRefused(PlayLoad(&store, create, listing, OnFailure::kGoOn));
   }
   const Digest created = DigestOf(store);
   const Played updated =

@@ -64,6 +64,7 @@ struct Survey {
   /// What the create leaves, failing files passed over: with them the load would end at the first,
   /// and nothing could be said of the others.
   Server store;
+  bool is_refused = false;  ///< In that create a key would have been both a hash and a list.
   /// What the update of the same files leaves over that, unless it is the same.
   std::optional<Server> updated;
 };
