@@ -23,29 +23,88 @@ const char* NameOf(Level level) {
 const std::vector<Rule>& Rules() {
   static const std::vector<Rule> rules = {
       {RuleId::kLoadUnreadable, "load-unreadable", Level::kError, true,
-       "a folder or a file that cannot be opened or read", ""},
+       "a folder or a file that cannot be opened or read",
+       "The loader could not look at, open or read a file or a folder. A path that "
+       "cannot be looked at, such as a link that leads nowhere, is passed over, with a "
+       "message. A folder that cannot be read ends the load before anything is stored; a "
+       "file that cannot be opened or read ends it at that file.\n"
+       "Mend the link or the permissions, or remove what is not wanted."},
       {RuleId::kLoadSyntax, "load-syntax", Level::kError, true,
-       "a file that is not JSON for the loader's parser", ""},
+       "a file that is not JSON for the loader's parser",
+       "The loader's parser refuses the file; the sentence ends with the parser's own "
+       "words. The load ends at this file: what comes after it in the order of the "
+       "folders is not stored. An integer that does not fit into 64 bits, a scalar as "
+       "the whole document and an empty file are refused as well.\n"
+       "Correct the text at this place. A number that is too large can be written as a "
+       "string."},
       {RuleId::kLoadNotObject, "load-not-object", Level::kError, true,
-       "a file that holds no object", ""},
+       "a file that holds no object",
+       "The file is JSON, but an array and not an object. A resource, and what a "
+       "resource includes, is an object. The load ends at this file.\n"
+       "Put the members of a resource into braces, or give the file another name if it "
+       "is not to be loaded."},
       {RuleId::kLoadIdType, "load-id-type", Level::kError, true,
-       "an \"@odata.id\" that is no string", ""},
+       "an \"@odata.id\" that is no string",
+       "The \"@odata.id\" of an object says under which key the object is stored, so the "
+       "loader needs a string. At the root of a file any other value ends the load, "
+       "without a message. In an object further inside, the loader stops writing the "
+       "member of the root that holds the object: the object is lost and so is what "
+       "comes after it in that member, without a message; but if that member is the last "
+       "one of the file, the load ends.\n"
+       "Write the path of the resource as a string, or remove the member."},
       {RuleId::kLoadInclude, "load-include", Level::kError, true,
-       "a \"&&File\" that cannot be included", ""},
+       "a \"&&File\" that cannot be included",
+       "A file whose root has a \"&&File\" member takes its members from the file of that "
+       "name below the web server's directory (--www). The name must be a string without "
+       "\"..\", and the file must be there and readable. Otherwise the load ends at the "
+       "file that has the member.\n"
+       "Correct the name, or put the file there. If it is installed elsewhere on the "
+       "build host, say so with --www."},
       {RuleId::kLoadKeyType, "load-key-type", Level::kError, true,
-       "a key that would be a hash and a list", ""},
+       "a key that would be a hash and a list",
+       "The store keeps an object as a hash and an array as a list, and a key can hold "
+       "only one of them. Here both have the same key, as {\"A/B\": {...}, \"A\": {\"B\": "
+       "[...]}} has, or an object in a file beside a folder of the same name. The store "
+       "refuses one of them, and what was sent together with it may be lost as well.\n"
+       "Rename one of the members, or remove one."},
       {RuleId::kLoadLostMember, "load-lost-member", Level::kError, true,
-       "a member that is not stored although the load succeeds", ""},
+       "a member that is not stored although the load succeeds",
+       "The load succeeds, yet this member is not stored as the file has it. Causes are: "
+       "an object before it, or in it, has an \"@odata.id\" that is no string, which stops "
+       "all that is around that object; the file includes another one with \"&&File\", "
+       "whose members replace its own; another value has the same place in the store and "
+       "replaces it; two arrays have the same key and are stored as one list.\n"
+       "Mend what the sentence and the related place name."},
       {RuleId::kLoadNothing, "load-nothing", Level::kWarning, true, "no file of the name anywhere",
-       ""},
+
+       "No file of the name that the load looks for (index.json unless another one is "
+       "given) is in the folder or below it. The loader takes this for success; a create "
+       "has then removed what was stored and put nothing in its place. Only names that "
+       "end in \".json\" are taken.\n"
+       "Correct the path or the name."},
       {RuleId::kStoreIntegerClamped, "store-integer-clamped", Level::kWarning, true,
-       "an integer beyond 32 bits", ""},
+       "an integer beyond 32 bits",
+       "Readers of the store hold integers in 32 bits, so the loader stores an integer "
+       "above 2147483647 as 2147483647 and one below -2147483648 as -2147483648.\n"
+       "Write the number as a string, or with a point and a zero, if its readers can "
+       "take that; else choose a larger unit."},
       {RuleId::kStoreRealRounded, "store-real-rounded", Level::kWarning, true,
-       "a real that loses digits at six places", ""},
+       "a real that loses digits at six places",
+       "The loader stores a number that has a point or an exponent with six digits after "
+       "the point, so that a smaller part is lost: 1e-7 becomes 0.\n"
+       "Round the number yourself, write it as a string, or choose a smaller unit."},
       {RuleId::kStoreDuplicateMember, "store-duplicate-member", Level::kWarning, true,
-       "the same name twice in an object", ""},
+       "the same name twice in an object",
+       "The object has two members of one name. The loader's parser keeps the value of "
+       "the last one and says nothing of the others, which are listed as related.\n"
+       "Remove all but one."},
       {RuleId::kStoreReservedType, "store-reserved-type", Level::kNote, true,
-       "a reserved \"&&\" member that is no string", ""},
+       "a reserved \"&&\" member that is no string",
+       "The members that begin with \"&&\" and are known to the readers of the store, such "
+       "as \"&&Privileges\", are stored without quotes when they are strings. Any other "
+       "value is stored like that of an ordinary member, where readers may not look for "
+       "it.\n"
+       "Write the value as a string."},
       {RuleId::kKeyClaimedTwice, "key-claimed-twice", Level::kError, true,
        "a key whose members several places write", ""},
       {RuleId::kKeyNotPath, "key-not-path", Level::kWarning, true,
