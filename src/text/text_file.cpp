@@ -3,6 +3,8 @@
 
 #include "text/text_file.h"
 
+#include <sys/stat.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdio>
@@ -11,8 +13,18 @@
 
 namespace ostrafel {
 
+namespace {
+
+bool IsRegularFile(const std::string& path) {
+  struct stat status = {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
+
 std::string ReadTextFile(const std::string& path) {
   std::string text;
+  if (!IsRegularFile(path)) return text;
   const File file(std::fopen(path.c_str(), "r"));
   if (!file) return text;
   std::array<char, 32768> buffer = {};

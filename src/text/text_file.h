@@ -8,7 +8,8 @@
 
 namespace ostrafel {
 
-/// The bytes of the file at path, as many as can be read; none when it cannot be opened.
+/// The bytes of the file at path, as many as can be read; none when it cannot be opened or is no
+/// regular file: a pipe would be waited for, and a device may have no end.
 [[nodiscard]] std::string ReadTextFile(const std::string& path);
 
 }  // namespace ostrafel
