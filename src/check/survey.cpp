@@ -113,6 +113,10 @@ bool IsFailing(const Outline& outline) {
   return last_member != 0 && fails;
 }
 
+bool ClaimsKey(const Outline& outline, std::size_t node) {
+  return node == 0 || outline[node].has_own_id;
+}
+
 // Adds what the file claims, less what an object that comes too late holds.
 void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
   std::vector<bool> is_late(outline.size());
@@ -120,7 +124,7 @@ void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
     const Node& node = outline[i];
     if (i != 0 && is_late[node.parent]) {
       is_late[i] = true;
-    } else if (i == 0 || node.has_own_id) {
+    } else if (ClaimsKey(outline, i)) {
       std::vector<Claim>& claims = survey->claims[node.key];
       claims.push_back({file, PointerOf(outline, i)});
       is_late[i] = claims.size() > 1;
@@ -134,11 +138,21 @@ void AddFile(std::size_t file, Survey* survey) {
   Resource resource = ReadResource(list.paths[file], list.keys[file]);
   if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
   survey->files.push_back(FileOf(list, file, resource));
+  survey->files_by_listed_key.emplace(list.keys[file], file);
   if (resource.end == LoadEnd::kDone) {
     AddClaims(file, OutlineOf(resource.file.root.get(), resource.key), survey);
   } else {
     survey->unread_keys.insert(survey->files.back().key);
   }
+}
+
+// True when nobody claims the node's key before the node.
+bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node) {
+  const auto found = survey.claims.find(subject.outline[node].key);
+  // An object within one that comes too late claims nothing, and is not found as the first.
+  if (found == survey.claims.end()) return false;
+  const Claim& first = found->second.front();
+  return first.file == subject.file && first.pointer == PointerOf(subject.outline, node);
 }
 
 }  // namespace
@@ -179,15 +193,26 @@ std::optional<Subject> ReadSubject(const Survey& survey, std::size_t file) {
 bool IsStored(const Survey& survey, const Subject& subject, std::size_t node) {
   const Outline& outline = subject.outline;
   for (std::size_t i = node;; i = outline[i].parent) {
-    if (i == 0 || outline[i].has_own_id) {
-      const auto found = survey.claims.find(outline[i].key);
-      // An object within one that comes too late claims nothing, and is not found as the first.
-      if (found == survey.claims.end()) return false;
-      const Claim& first = found->second.front();
-      if (first.file != subject.file || first.pointer != PointerOf(outline, i)) return false;
-    }
+    if (ClaimsKey(outline, i) && !IsFirstClaim(survey, subject, i)) return false;
     if (i == 0) return true;
   }
+}
+
+std::vector<bool> StoredNodes(const Survey& survey, const Subject& subject) {
+  const Outline& outline = subject.outline;
+  std::vector<bool> is_stored(outline.size());
+  std::vector<bool> has_stored_members(outline.size());
+  bool is_given_up = false;  // what is left of the root's member
+  for (std::size_t i = 0; i < outline.size(); ++i) {
+    const std::size_t parent = outline[i].parent;
+    if (parent == 0) is_given_up = false;
+    const bool is_reached = i == 0 || (has_stored_members[parent] && !is_given_up);
+    if (is_reached && outline[i].kind == NodeKind::kBadId) is_given_up = true;
+    has_stored_members[i] =
+        is_reached && !is_given_up && (!ClaimsKey(outline, i) || IsFirstClaim(survey, subject, i));
+    is_stored[i] = i == 0 ? has_stored_members[0] : is_reached && !is_given_up;
+  }
+  return is_stored;
 }
 
 Place PlaceOf(const Survey& survey, const Subject& subject, const std::string& pointer, Spot spot) {

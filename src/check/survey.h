@@ -46,7 +46,8 @@ struct Claim {
 struct Survey {
   LoadRequest request;  ///< Its action means nothing.
   Listing listing;
-  std::vector<TreeFile> files;  ///< In the order of the load.
+  std::vector<TreeFile> files;                                       ///< In the order of the load.
+  std::unordered_map<std::string, std::size_t> files_by_listed_key;  ///< Indexes of files.
 
   /// Key -> who claims it, in the order of the load. The first one's members are stored. What a
   /// later one holds is not, and claims nothing.
@@ -91,6 +92,11 @@ struct Subject {
 /// True when the members of a node, an object, are stored, as far as claims go: neither it nor an
 /// object around it has a key that another claims before.
 [[nodiscard]] bool IsStored(const Survey& survey, const Subject& subject, std::size_t node);
+
+/// For each node of the subject's outline whether it is stored: its record, or of the root its
+/// members. Besides what IsStored has, what the writer does not come to is not: in a member of the
+/// root, all from a kBadId node on.
+[[nodiscard]] std::vector<bool> StoredNodes(const Survey& survey, const Subject& subject);
 
 /// Where a pointer of the subject's document stands: "/&&File" in its own file, all else in the
 /// file that the members come from.
