@@ -3,6 +3,8 @@
 
 #include "check/check_fixture.h"
 
+#include <regex>
+
 #include "check/check.h"
 #include "check/survey.h"
 #include "document/json_file.h"
@@ -61,6 +63,13 @@ std::vector<std::string> CheckTest::Found(const std::string& rules) {
     found.push_back(std::string(RuleOf(finding.rule).name) + " " + TextOf(finding.place));
     for (const Related& related : finding.related) found.push_back("  " + TextOf(related.place));
   }
+  return found;
+}
+
+std::vector<std::string> CheckTest::Pointers(const std::string& rules) {
+  const std::regex position(":[0-9]+:[0-9]+");
+  std::vector<std::string> found = Found(rules);
+  for (std::string& line : found) line = std::regex_replace(line, position, "");
   return found;
 }
 

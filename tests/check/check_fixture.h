@@ -31,6 +31,9 @@ class CheckTest : public ::testing::Test {
   /// order. Related places follow, indented by two blanks, without a rule.
   std::vector<std::string> Found(const std::string& rules);
 
+  /// The same without lines and columns.
+  std::vector<std::string> Pointers(const std::string& rules);
+
   /// The sentences of these findings, in order.
   std::vector<std::string> Sentences(const std::string& rules);
 
