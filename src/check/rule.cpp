@@ -106,25 +106,83 @@ const std::vector<Rule>& Rules() {
        "it.\n"
        "Write the value as a string."},
       {RuleId::kKeyClaimedTwice, "key-claimed-twice", Level::kError, true,
-       "a key whose members several places write", ""},
+       "a key whose members several places write",
+       "A key of the store is the \"@odata.id\" of a file or of an object within one. Whoever "
+       "comes to a key first in a load writes its members; all that others hold for the same "
+       "key is dropped without a message. Between files the order in which the folders list "
+       "their entries decides, and it may be another one on the machine than here.\n"
+       "Keep one claimant. Give the others keys of their own, or make links of them: objects "
+       "that hold nothing but \"@odata.id\"."},
       {RuleId::kKeyNotPath, "key-not-path", Level::kWarning, true,
-       "a file whose \"@odata.id\" is not the key of its folder", ""},
+       "a file whose \"@odata.id\" is not the key of its folder",
+       "A file is stored under its own \"@odata.id\", wherever it lies. Whoever looks for it "
+       "by its folder, a link above all, finds nothing there; and a second file may claim "
+       "the same key.\n"
+       "A file that holds nothing but \"@odata.id\" is stored as its folder says, and what it "
+       "says of itself is wrong.\n"
+       "Correct the \"@odata.id\", often left over from a copied file, or move the file to the "
+       "folder that it names."},
       {RuleId::kKeyTrailingSlash, "key-trailing-slash", Level::kNote, true,
-       "a file whose \"@odata.id\" differs from the key of its folder by a slash at the end", ""},
+       "a file whose \"@odata.id\" differs from the key of its folder by a slash at the end",
+       "To the store, a name with a slash at the end and one without are two keys. A file is "
+       "stored under its own \"@odata.id\", and links that end otherwise do not find it.\n"
+       "Write the \"@odata.id\" and all links to it alike. A service root may well be known as "
+       "\"/redfish/v1/\": then nothing has to be done."},
       {RuleId::kKeyOutsideUri, "key-outside-uri", Level::kWarning, true,
-       "a key that a create of the URI does not remove", ""},
+       "a key that a create of the URI does not remove",
+       "A create first removes what is stored at the URI and below it. Keys elsewhere are "
+       "written all the same but never removed: what an older tree left there stays, and is "
+       "mixed with what this one holds.\n"
+       "Let \"@odata.id\" begin with the URI, or load that part of the tree with a URI of its "
+       "own. \"#/...\" alone is a key like any other: put the key of the file in front of it."},
       {RuleId::kKeyGlob, "key-glob", Level::kWarning, true,
-       "\"*\", \"?\", \"[\" or \"\\\" in a key or a name", ""},
-      {RuleId::kKeyCase, "key-case", Level::kWarning, true, "keys that differ in case only", ""},
+       "\"*\", \"?\", \"[\" or \"\\\" in a key or a name",
+       "An update looks for stored keys and links by patterns that it makes of keys and "
+       "names as they are. There \"*\" stands for any characters, \"?\" for any one, \"[\" begins "
+       "a choice of them, and \"\\\" takes the meaning from the next one. So the update finds, "
+       "and may remove, what belongs to others, or misses what it looks for. Of keys, only "
+       "the one is told where the character comes in, not those below it.\n"
+       "Use other characters."},
+      {RuleId::kKeyCase, "key-case", Level::kWarning, true, "keys that differ in case only",
+       "Keys are compared byte by byte. Two that differ in upper and lower case only are two "
+       "entries, each with a part of what was meant for one, and a file system that does not "
+       "tell them apart cannot even hold their folders. Of keys that differ because those "
+       "above them do, only these are told.\n"
+       "Choose one spelling, in folders, \"@odata.id\", links and names."},
       {RuleId::kKeyBlank, "key-blank", Level::kNote, true,
-       "a name that goes on after a blank beside one that ends there", ""},
-      {RuleId::kLinkDangling, "link-dangling", Level::kWarning, true, "a link to no key", ""},
+       "a name that goes on after a blank beside one that ends there",
+       "The store notes a link as one text: the name of its member, a blank and the target. "
+       "When an update looks for the links of \"A\", it also takes those of \"A B\" for them, "
+       "and may remove them.\n"
+       "Rename one of the members."},
+      {RuleId::kLinkDangling, "link-dangling", Level::kWarning, true,
+       "a link that leads to nothing stored",
+       "A link leads to what is stored under exactly its text. Nothing is, because no file "
+       "claims that key, or because the file of that folder says in its \"@odata.id\" that it "
+       "is another, or because of a slash at the end. A part after \"#\" may also lead into a "
+       "document; then this rule looks at the part before it. Links to other hosts are not "
+       "looked at.\n"
+       "Correct the link, or the \"@odata.id\" of the file that it should lead to."},
       {RuleId::kLinkFragment, "link-fragment", Level::kWarning, true,
-       "a link whose part after \"#\" leads nowhere", ""},
+       "a link whose part after \"#\" leads nowhere",
+       "The part of a link after \"#\" is the place of a value in a document, such as "
+       "\"/Fans/0\": names and indexes, from 0, each after a slash. The document is stored, "
+       "but has nothing at that place. Often an element was moved or removed.\n"
+       "Correct the place. In names, \"~1\" stands for a slash and \"~0\" for a \"~\"."},
       {RuleId::kLinkUri, "link-uri", Level::kWarning, true,
-       "a URI in a member that leads to no key", ""},
+       "a URI in a member that leads to nothing stored",
+       "Members whose names end with \"Uri\", \"URI\" or \"@Redfish.ActionInfo\" lead to resources "
+       "like links do. This one begins with a slash, so it should lead to one of this "
+       "service, and nothing is stored there. What follows a \"?\" does not count, and members "
+       "that take uploads, such as HttpPushUri, are not looked at.\n"
+       "Correct it. If something else than the store answers there, ignore the finding or "
+       "accept it in a baseline."},
       {RuleId::kLinkRepeated, "link-repeated", Level::kNote, true,
-       "the same link twice in an array", ""},
+       "the same link twice in an array",
+       "The array holds the same link more than once. Both are stored, and clients count and "
+       "show the resource twice.\n"
+       "Remove one. Then see whether a count beside the array, such as Members@odata.count, "
+       "has to be corrected, too."},
       {RuleId::kUpdateLoses, "update-loses", Level::kWarning, true,
        "what an update of the unchanged tree loses",
        "An update removes what the store holds of a value in an older form before it writes the "
