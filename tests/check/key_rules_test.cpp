@@ -235,6 +235,12 @@ TEST_F(KeyRules, TellGlobCharactersInEachName) {
             "searches for \"\\\", so it finds others instead");
 }
 
+TEST_F(KeyRules, PointToTheKeyAndToTheName) {
+  Write("index.json", "\xEF\xBB\xBF{\r\n\t\"ä\": 1, \"A*\":\r\n1, \"@odata.id\": \"/r[\"}");
+  EXPECT_EQ(Found("key-glob"),
+            (Lines{"key-glob index.json:2:10 /A*", "key-glob index.json:3:17 /@odata.id"}));
+}
+
 // --- key-case
 
 TEST_F(KeyRules, TellKeysThatDifferInCase) {

@@ -148,6 +148,14 @@ TEST_F(LinkRules, SayNothingOfAnObjectThatIsLost) {
   EXPECT_EQ(Found("link-"), Lines{});
 }
 
+TEST_F(LinkRules, PointToTheTarget) {
+  Write("index.json",
+        "\xEF\xBB\xBF{\r\n\t\"ä\": {\"@odata.id\": \"/redfish/v1/D\"},\r\n\t\"Uri\":\r\n"
+        "\"/no\"}");
+  EXPECT_EQ(Found("link-"),
+            (Lines{"link-dangling index.json:2:21 /ä/@odata.id", "link-uri index.json:4:1 /Uri"}));
+}
+
 // --- link-fragment
 
 TEST_F(LinkRules, FollowFragments) {
@@ -204,9 +212,9 @@ TEST_F(LinkRules, TellUrisThatLeadToNothing) {
       "In": [{"LogUri": "/redfish/v1/C/"}])");
   WriteThing();
   EXPECT_EQ(Pointers("link-"),
-            (Lines{"link-uri index.json /@Redfish.ActionInfo", "link-uri index.json /DataSourceUri",
-                   "link-uri index.json /ImageURI", "link-uri index.json /In/0/LogUri",
-                   "link-uri index.json /Uri"}));
+            (Lines{"link-uri index.json /Uri", "link-uri index.json /DataSourceUri",
+                   "link-uri index.json /ImageURI", "link-uri index.json /@Redfish.ActionInfo",
+                   "link-uri index.json /In/0/LogUri"}));
   EXPECT_EQ(Sentences("link-uri")[1],
             "the URI leads to \"/redfish/v1/D\", where nothing is stored: no "
             "file and no object of the tree has that key");
@@ -222,9 +230,8 @@ TEST_F(LinkRules, LeaveOtherMembersAlone) {
 TEST_F(LinkRules, TakeUrisWithoutTheirQuery) {
   WriteRoot(R"("AUri": "/redfish/v1?x=/y", "BUri": "/redfish/v1/?x", "CUri": "/redfish/v1?x#/AUri",
       "DUri": "/redfish/v1?x#/no", "A": {"@odata.id": "/redfish/v1?x"})");
-  EXPECT_EQ(Pointers("link-"),
-            (Lines{"link-dangling index.json /A/@odata.id", "link-fragment index.json /DUri",
-                   "link-uri index.json /BUri"}));
+  EXPECT_EQ(Pointers("link-"), (Lines{"link-uri index.json /BUri", "link-fragment index.json /DUri",
+                                      "link-dangling index.json /A/@odata.id"}));
 }
 
 // --- link-repeated
