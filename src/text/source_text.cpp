@@ -123,7 +123,8 @@ bool IsWordCharacter(const Character& character) {
   constexpr std::string_view others = "+-._";
   const char32_t lower = code | 0x20U;
   return (code >= '0' && code <= '9') || (lower >= 'a' && lower <= 'z') ||
-         (code != 0 && code < 0x80 && others.find(static_cast<char>(code)) != others.npos);
+         (code != 0 && code < 0x80 &&
+          others.find(static_cast<char>(code)) != std::string_view::npos);
 }
 
 // The columns of the token that begins with the first of the cells: a string, a number, a word or
