@@ -4,8 +4,8 @@
 # shellcheck disable=SC2016  # dollars in single quotes are for the shell that is typed at
 
 # For the tests of completion: a real interactive shell on a terminal of its own, to which keys are
-# typed. What it completes is seen in what a command then gets as its arguments: Ostrafel is a
-# function there that writes them down.
+# typed. What it completes is seen in what a command then gets as its arguments: Ostrafel and
+# ostrafel-check are functions there that write them down.
 
 # shellcheck source-path=SCRIPTDIR source=../support/checks.bash
 . "${BASH_SOURCE[0]%/*}/../support/checks.bash"
@@ -73,6 +73,16 @@ TREES
     printf '        {\n            "@odata.id": "/v4/%s"\n        },\n' {1..1100}
     printf '        {}\n    ],\n    "@odata.id": "/v4"\n}\n'
   } >"$folder/collection/index.json"
+}
+
+# Lines for the start of the shell.
+make_commands() {
+  local command
+  for command in Ostrafel ostrafel-check; do
+    printf '%s() { printf "<%%s>" "$@" >"%s/new" && mv "%s/new" "%s/arguments"; }\n' \
+      "$command" "$work" "$work" "$work"
+  done
+  printf 'PATH=%q:$PATH\n' "$installed/bin"  # the program tells its rules
 }
 
 # start_session COMMAND: starts a shell. What it says is in $work/typescript.
@@ -171,5 +181,44 @@ Ostrafel update single.json / ind<TAB> => <update><single.json></><ind>
 Ostrafel update tree / index.json ind<TAB> => <update><tree></><index.json><ind>
 '
 
-# The common cases for a folder.
-cases_in() { printf '%s' "${common_cases//'@FOLDER@'/$1}"; }
+# Likewise, for ostrafel-check.
+readonly check_cases='
+ostrafel-check --form<TAB> js<TAB> tr<TAB> => <--format><json><tree/>
+ostrafel-check --l<TAB> => <--list-rules>
+ostrafel-check --pri<TAB> tree <TAB> => <--print-store><tree></redfish/v2>
+# Values, behind an equals sign too.
+ostrafel-check --fail-on <ALL> => <--fail-on><error><note><warning>
+ostrafel-check --color=a<TAB> => <--color=a>
+ostrafel-check --color=al<TAB> => <--color=always>
+ostrafel-check --fail-on=w<TAB> tr<TAB> => <--fail-on=warning><tree/>
+ostrafel-check --explain redfish-c<TAB> => <--explain><redfish-count>
+ostrafel-check --select load-s<TAB> => <--select><load-syntax>
+ostrafel-check --select al<TAB> tr<TAB> => <--select><all><tree/>
+ostrafel-check --ignore key-glob,load-s<TAB> => <--ignore><key-glob,load-syntax>
+ostrafel-check --ignore=key-glob,def<TAB> => <--ignore=key-glob,default>
+# Files: folders for --www, any file for a baseline.
+ostrafel-check --www over<TAB> tr<TAB> => <--www><overlay/><tree/>
+ostrafel-check --www sing<TAB> => <--www><sing>
+ostrafel-check --baseline not<TAB> tr<TAB> => <--baseline><notes.txt><tree/>
+ostrafel-check --write-baseline=not<TAB> => <--write-baseline=notes.txt>
+ostrafel-check --www=my\ tr<TAB>Sys<TAB> => <--www=my tree/Systems/>
+# The arguments, wherever options stand.
+ostrafel-check tr<TAB> => <tree/>
+ostrafel-check not<TAB> => <not>
+ostrafel-check tree <TAB> => <tree></redfish/v2>
+ostrafel-check my\ tree <TAB> => <my tree></my/tree>
+ostrafel-check ~/tree <TAB> => <@FOLDER@/tree></redfish/v2>
+ostrafel-check empty <TAB> => <empty></redfish/v1>
+ostrafel-check -q --color never tree <TAB> => <-q><--color><never><tree></redfish/v2>
+ostrafel-check tree --www www <TAB> => <tree><--www><www></redfish/v2>
+ostrafel-check -- tree <TAB> => <--><tree></redfish/v2>
+ostrafel-check odd <TAB> => <odd></with blank/$(touch @FOLDER@/ran)`touch @FOLDER@/ran`'"'"'x>
+ostrafel-check tree / Pa<TAB> => <tree></><Patch.JSON>
+ostrafel-check tree / index.json tr<TAB> => <tree></><index.json><tr>
+'
+
+# The common cases for a folder; those of ostrafel-check only where it is installed.
+cases_in() {
+  printf '%s' "${common_cases//'@FOLDER@'/$1}"
+  [[ ! -e $installed/bin/ostrafel-check ]] || printf '%s' "${check_cases//'@FOLDER@'/$1}"
+}
