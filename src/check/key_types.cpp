@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "check/stored_nodes.h"
+#include "check/uncontested_nodes.h"
 
 namespace ostrafel {
 
@@ -29,7 +29,7 @@ void ForEachWritten(const Survey& survey, const Take& take) {
   for (std::size_t file = 0; file < survey.files.size(); ++file) {
     const std::optional<Subject> subject = ReadSubject(survey, file);
     if (!subject) continue;
-    const std::vector<bool> is_stored = StoredNodes(survey, *subject);
+    const std::vector<bool> is_stored = UncontestedNodes(survey, *subject);
     for (std::size_t i = 0; i < subject->outline.size(); ++i) {
       const Node& node = subject->outline[i];
       const bool has_key = node.kind == NodeKind::kObject || node.kind == NodeKind::kArray;

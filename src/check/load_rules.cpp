@@ -10,7 +10,7 @@
 #include "check/key_types.h"
 #include "check/load_files.h"
 #include "check/lost_members.h"
-#include "check/stored_nodes.h"
+#include "check/uncontested_nodes.h"
 #include "layout/resource_id.h"
 
 namespace ostrafel {
@@ -55,7 +55,7 @@ Stops CheckIds(const Survey& survey, const Subject& subject, const std::vector<b
 }  // namespace
 
 void CheckLoadRulesIn(const Survey& survey, const Subject& subject, Findings* findings) {
-  const std::vector<bool> is_stored = StoredNodes(survey, subject);
+  const std::vector<bool> is_stored = UncontestedNodes(survey, subject);
   if (!is_stored[0]) return;
   const Stops stops = CheckIds(survey, subject, is_stored, findings);
   // What else is lost of a file that ends the load is no secret.

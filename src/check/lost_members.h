@@ -19,8 +19,8 @@ namespace ostrafel {
 using Stops = std::map<std::size_t, std::size_t>;
 
 /// Appends what is lost of one document, which is written and does not end the load: of a value and
-/// what it holds only the value itself. is_stored is StoredNodes'. What lies under a lost claim, is
-/// an object with a bad "@odata.id", or goes to a key of the other kind is left out.
+/// what it holds only the value itself. is_stored is UncontestedNodes'. What lies under a lost
+/// claim, is an object with a bad "@odata.id", or goes to a key of the other kind is left out.
 void CheckLostMembers(const Survey& survey, const Subject& subject,
                       const std::vector<bool>& is_stored, const Stops& stops, Findings* findings);
 

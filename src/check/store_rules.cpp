@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "check/stored_nodes.h"
+#include "check/uncontested_nodes.h"
 #include "layout/value_rendering.h"
 #include "text/json_positions.h"
 #include "text/text_file.h"
@@ -86,7 +86,7 @@ void CheckDuplicates(const std::string& path, Findings* findings) {
 
 void CheckStoreRulesIn(const Survey& survey, const Subject& subject, Findings* findings) {
   const Outline& outline = subject.outline;
-  const std::vector<bool> is_stored = StoredNodes(survey, subject);
+  const std::vector<bool> is_stored = UncontestedNodes(survey, subject);
   for (std::size_t i = 1; i < outline.size(); ++i) {
     const std::size_t parent = outline[i].parent;
     if (!is_stored[parent]) continue;

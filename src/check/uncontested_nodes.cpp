@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "check/stored_nodes.h"
+#include "check/uncontested_nodes.h"
 
 #include <cstddef>
 
@@ -19,7 +19,7 @@ bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node
 
 }  // namespace
 
-std::vector<bool> StoredNodes(const Survey& survey, const Subject& subject) {
+std::vector<bool> UncontestedNodes(const Survey& survey, const Subject& subject) {
   const Outline& outline = subject.outline;
   std::vector<bool> stored(outline.size());
   for (std::size_t i = 0; i < outline.size(); ++i) {
