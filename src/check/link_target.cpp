@@ -12,6 +12,7 @@
 #include "check/quoted.h"
 #include "layout/layout.h"
 #include "layout/resource_id.h"
+#include "loading/resource_loading.h"
 #include "memory/glob.h"
 #include "tree/json_pointer.h"
 
@@ -79,14 +80,22 @@ TargetProblem Dangling(const Survey& survey, const std::string& key) {
   return problem;
 }
 
+// The document of a file, as it is written. Without an outline, which would cost as much as the
+// document is large, for each link into it.
+Document RootOf(const TreeFile& file) {
+  Resource resource = ReadResource(file.path, file.listed_key);
+  if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
+  return resource.end == LoadEnd::kDone ? std::move(resource.file.root) : Document();
+}
+
 // True when somebody claims the key, and something else than its emptiness keeps it out of the
 // store. That is told where it happens.
 bool IsLost(const Survey& survey, const std::string& key) {
   const auto claims = survey.claims.find(key);
   if (claims == survey.claims.end()) return false;
   const Claim& claim = claims->second.front();
-  const std::optional<Subject> holder = ReadSubject(survey, claim.file);
-  return holder && json_object_size(ValueAt(holder->root.get(), claim.pointer)) != 0;
+  const Document root = RootOf(survey.files[claim.file]);
+  return json_object_size(ValueAt(root.get(), claim.pointer)) != 0;
 }
 
 // True when the fragment leads somewhere in value.
@@ -105,8 +114,8 @@ bool HasFragment(const Survey& survey, const Subject& subject, const Target& tar
   if (claim.file == subject.file) {
     return Leads(ValueAt(subject.root.get(), claim.pointer), fragment);
   }
-  const std::optional<Subject> holder = ReadSubject(survey, claim.file);
-  return !holder || Leads(ValueAt(holder->root.get(), claim.pointer), fragment);
+  const Document root = RootOf(survey.files[claim.file]);
+  return !root || Leads(ValueAt(root.get(), claim.pointer), fragment);
 }
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
