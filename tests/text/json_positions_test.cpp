@@ -374,7 +374,7 @@ class RandomTexts {
   std::string BrokenDocument() {
     std::string text = Document();
     const std::size_t place = Below(text.size());
-    const std::string bytes("\0\n\t\"\\{}[],:0-.ea\xFF\xC3\x80 ", 21);
+    const std::string bytes("\0\n\t\"\\{}[],:0-.ea\xFF\xC3\x80 ", 20);
     const char byte = bytes[Below(bytes.size())];
     switch (Below(3)) {
       case 0:
