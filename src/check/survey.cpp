@@ -155,12 +155,38 @@ bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node
   return first.file == subject.file && first.pointer == PointerOf(subject.outline, node);
 }
 
+// The key that the file at path would go to, if the walk had taken it.
+std::string ListedKeyOf(const LoadRequest& request, const std::string& path) {
+  std::string key = request.uri;
+  std::size_t start = request.static_data_path.size() + 1;
+  for (std::size_t slash = path.find('/', start); slash != std::string::npos;
+       slash = path.find('/', start)) {
+    key = ChildKey(key, path.substr(start, slash - start));
+    start = slash + 1;
+  }
+  return key;
+}
+
+// Adds the keys of files that the walk passed over: they cannot be looked at, or their folder
+// cannot.
+void AddUnreadKeys(Survey* survey) {
+  const auto ignore = [](PathProblem, const std::string&) {};
+  for (const auto& [problem, path] : survey->listing.problems) {
+    if (problem == PathProblem::kNotChecked &&
+        (FileNameEquals(path, survey->request.file_name, ignore) ||
+         FileNameEquals(path, ".", ignore))) {
+      survey->unread_keys.insert(ListedKeyOf(survey->request, path));
+    }
+  }
+}
+
 }  // namespace
 
 Survey SurveyTree(const LoadRequest& request, const TakeProgress& tell) {
   Survey survey;
   survey.request = request;
   survey.listing = ListTree(request);
+  AddUnreadKeys(&survey);
   PlayLoads(&survey);
   const std::size_t count = survey.listing.list.keys.size();
   survey.files.reserve(count);

@@ -19,16 +19,6 @@ static_assert(sizeof(off_t) == 8 && sizeof(ino_t) == 8, "compile with _FILE_OFFS
 
 namespace ostrafel {
 
-namespace {
-
-std::string ChildKey(const std::string& key, const std::string& name) {
-  std::string child_key = key;
-  if (key.empty() || key.back() != '/') child_key += '/';
-  return child_key += name;
-}
-
-}  // namespace
-
 bool AppendToLoadList(const std::string& path, const std::string& key, LoadList* list,
                       const TakeProblem& tell) {
   try {
@@ -66,6 +56,12 @@ bool FileNameEquals(const std::string& path, const std::string& name, const Take
     tell(PathProblem::kNoName, error.what());
     return false;
   }
+}
+
+std::string ChildKey(const std::string& key, const std::string& name) {
+  std::string child_key = key;
+  if (key.empty() || key.back() != '/') child_key += '/';
+  return child_key += name;
 }
 
 bool WalkStaticData(const std::string& directory, const std::string& key,

@@ -46,9 +46,13 @@ struct LoadList {
 [[nodiscard]] bool FileNameEquals(const std::string& path, const std::string& name,
                                   const TakeProblem& tell);
 
+/// The key that the file of the folder name goes to, in a folder whose own goes to key: key + "/"
+/// (unless it ends with one) + name.
+[[nodiscard]] std::string ChildKey(const std::string& key, const std::string& name);
+
 /// Lists every file named file_name, with the extension .json, in directory and below it, depth
 /// first and in the order that readdir yields them. The file of directory itself goes to key, that
-/// of a folder to the folder's parent's key + "/" (unless it ends with one) + the folder's name.
+/// of a folder below it to the ChildKey.
 ///
 /// Entries that cannot be examined are passed over, once that is told; symbolic links to
 /// directories are followed, without a guard against cycles other than the system's own limits.

@@ -14,11 +14,16 @@ namespace ostrafel {
 
 namespace {
 
-// Removals first, so that what is stale is gone before the new values come. Stops at the first
-// failure: what waits in the later batches is then not sent.
-bool FlushAllBatches(Server* server) {
-  return FlushRemovalBatch(server) != 0 && FlushHashBatch(server) != 0 &&
-         FlushListBatch(server) != 0;
+// Removals first, so that what is stale is gone before the new values come. After a failure, what
+// waits in the later batches is sent only if the load is to go on.
+bool FlushAllBatches(Server* server, OnFailure on_failure) {
+  bool is_good = true;
+  for (const auto flush : {FlushRemovalBatch, FlushHashBatch, FlushListBatch}) {
+    if (flush(server) != 0) continue;
+    if (on_failure == OnFailure::kStop) return false;
+    is_good = false;
+  }
+  return is_good;
 }
 
 }  // namespace
@@ -50,7 +55,7 @@ LoadOutcome LoadFiles(Server* server, const LoadList& list, OnFailure on_failure
     if (on_failure == OnFailure::kStop) return outcome;
     if (first.end == LoadEnd::kDone) first = std::move(outcome);
   }
-  if (!FlushAllBatches(server) && first.end == LoadEnd::kDone) first = {LoadEnd::kNotFlushed};
+  if (!FlushAllBatches(server, on_failure) && first.end == LoadEnd::kDone) first = {LoadEnd::kNotFlushed};
   return first;
 }
 

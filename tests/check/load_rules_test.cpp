@@ -57,6 +57,14 @@ TEST_F(LoadRules, FindLinksThatLeadNowhere) {
   EXPECT_EQ(Sentences("load-").front(), "the path leads nowhere, and the load passes it over");
 }
 
+TEST_F(LoadRules, LeaveLinksToWhatCannotBeLookedAtAlone) {
+  Write("index.json",
+        R"({"C": {"@odata.id": "/redfish/v1/C"}, "D": {"@odata.id": "/redfish/v1/D"}})");
+  Link("nothing", "C/index.json");
+  Link("nothing", "D/other.json");
+  EXPECT_EQ(Found("link-"), (Lines{"link-dangling index.json:1:54 /D/@odata.id"}));
+}
+
 TEST_F(LoadRules, TellOfAFolderThatCannotBeSearchedOnce) {
   const auto not_checked = PathProblem::kNotChecked;
   EXPECT_EQ(FoundInListing(LoadEnd::kDone, {{not_checked, "tree/C/index.json"},
