@@ -136,9 +136,10 @@ void CheckTargets(const Survey& survey, const Subject& subject, const Actions& a
     if (IsTarget(file, actions, action, target)) continue;
     std::string wanted = WithoutLastSlash(file.key);
     wanted.append(actions.is_oem ? "/Actions/Oem/" : "/Actions/").append(action);
+    std::string message = "the target of the action ";
+    message.append(action).append(" should be \"").append(wanted).append("\"");
     Add(RuleId::kRedfishActionTarget, survey, subject,
-        ChildPointer(ChildPointer(actions.pointer, name), "target"),
-        "the target of the action " + action + " should be \"" + wanted + "\"", findings);
+        ChildPointer(ChildPointer(actions.pointer, name), "target"), message, findings);
   }
 }
 

@@ -161,22 +161,26 @@ bool IsKeyRemover(const Survey& survey, const Remover& remover, bool is_below) {
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
+// Of a record that is lost since remover, of that name, goes by what the record reads.
+Reason ReasonBeside(const Loss& loss, const std::string& name, const Remover& remover) {
+  if (loss.record.parent == ParentKind::kList) {
+    return {"because the update of element " + name + " removes all that read " + name,
+            {{remover.place, "element " + name}},
+            loss.key};
+  }
+  return {"because the update of the member " + Quoted(name) +
+              " removes the links of all members whose names begin with " + Quoted(name + " "),
+          {{remover.place, "the member " + Quoted(name)}},
+          loss.key};
+}
+
 // Of a record: it stood beside what removes it, in a hash or a list that stays.
 std::optional<Reason> ReasonInKey(const Collection& collection, const Loss& loss) {
   for (const std::string& name : NamesBehind(loss)) {
     const auto is_any = [](const Remover& /*remover*/) { return true; };
     const Remover* remover = collection.Find(loss, MemberOf(loss.key, name), is_any);
     if (remover == nullptr) continue;
-    if (loss.record.parent == ParentKind::kList) {
-      return Reason{"because the update of element " + name + " removes all that read " + name,
-                    {{remover->place, "element " + name}},
-                    loss.key};
-    }
-    return Reason{"because the update of the member " + Quoted(name) +
-                      " removes the links of all members whose names begin with " +
-                      Quoted(name + " "),
-                  {{remover->place, "the member " + Quoted(name)}},
-                  loss.key};
+    return ReasonBeside(loss, name, *remover);
   }
   const auto is_writer = [](const Remover& remover) {
     return remover.kind == NodeKind::kObject || remover.kind == NodeKind::kArray;
