@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "check/uncontested_nodes.h"
 #include "layout/value_rendering.h"
 #include "text/json_positions.h"
 #include "text/text_file.h"
@@ -86,10 +85,10 @@ void CheckDuplicates(const std::string& path, Findings* findings) {
 
 void CheckStoreRulesIn(const Survey& survey, const Subject& subject, Findings* findings) {
   const Outline& outline = subject.outline;
-  const std::vector<bool> is_stored = UncontestedNodes(survey, subject);
+  const std::vector<bool> is_stored = StoredNodes(survey, subject);
   for (std::size_t i = 1; i < outline.size(); ++i) {
+    if (!is_stored[i]) continue;
     const std::size_t parent = outline[i].parent;
-    if (!is_stored[parent]) continue;
     CheckValue(outline[i], [&](RuleId rule, std::optional<std::string> message) {
       if (!message) return;
       findings->push_back(

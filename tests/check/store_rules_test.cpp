@@ -95,7 +95,7 @@ TEST_F(StoreRules, FindReservedMembersThatAreNoStrings) {
 TEST_F(StoreRules, SayNothingOfValuesThatAreNotStored) {
   Write("index.json",
         R"({"@odata.id": "/redfish/v1", "A": {"@odata.id": "/redfish/v1", "N": 4294967296},)"
-        R"( "B": {"@odata.id": 1, "N": 4294967296}, "C": 0})");
+        R"( "B": {"In": {"@odata.id": 1, "N": 4294967296}, "After": 4294967296}, "C": 0})");
   EXPECT_EQ(Found("store-"), Lines{});
 }
 
