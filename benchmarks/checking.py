@@ -13,7 +13,6 @@ import statistics
 import subprocess
 import sys
 import tempfile
-import time
 
 
 def finish(command, process):
@@ -25,11 +24,9 @@ def finish(command, process):
     return usage.ru_utime + usage.ru_stime
 
 
-def run(command):
-    """(seconds, seconds of processor time) of a run."""
-    start = time.perf_counter()
-    processor = finish(command, subprocess.Popen(command, stdout=subprocess.DEVNULL))
-    return time.perf_counter() - start, processor
+def seconds(command):
+    """The processor time of a run, which other programs of the machine change least."""
+    return finish(command, subprocess.Popen(command, stdout=subprocess.DEVNULL))
 
 
 def peak_memory(command):
@@ -49,14 +46,10 @@ def measure(program, name, trees, rounds):
     """A line of the table: the trees, one run after the other, this many times."""
     commands = [[str(program), str(tree)] for tree in trees]
     memory = max(peak_memory(command) for command in commands)  # has all files read once
-    results = []
-    for _ in range(rounds):
-        runs = [run(command) for command in commands]
-        results.append([sum(column) for column in zip(*runs)])
-    wall, processor = (statistics.median(column) for column in zip(*results))
-    print(f"{name}: {wall * 1e3:.1f} ms", flush=True)
-    return {"name": name, "files": sum(map(files_of, trees)), "wall": wall,
-            "processor": processor, "memory": memory, "rounds": rounds}
+    processor = statistics.median(sum(map(seconds, commands)) for _ in range(rounds))
+    print(f"{name}: {processor * 1e3:.1f} ms", flush=True)
+    return {"name": name, "files": sum(map(files_of, trees)), "processor": processor,
+            "memory": memory, "rounds": rounds}
 
 
 def main():

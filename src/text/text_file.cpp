@@ -27,7 +27,7 @@ std::string ReadTextFile(const std::string& path) {
   if (!IsRegularFile(path)) return text;
   const File file(std::fopen(path.c_str(), "r"));
   if (!file) return text;
-  std::array<char, 32768> buffer = {};
+  static std::array<char, 32768> buffer;  // cleared once, not for every file
   // The whole buffer at a time: stdio's own would only be copied from.
   (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);
   while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), file.get())) {
