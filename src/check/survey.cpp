@@ -136,8 +136,10 @@ void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
 void AddFile(std::size_t file, Survey* survey) {
   const LoadList& list = survey->listing.list;
   Resource resource = ReadResource(list.paths[file], list.keys[file]);
+  const bool has_id = json_object_get(resource.file.root.get(), IdMember) != nullptr;
   if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
   survey->files.push_back(FileOf(list, file, resource));
+  survey->files.back().has_id = has_id;  // as the file has it, whatever it includes
   survey->files_by_listed_key.emplace(list.keys[file], file);
   if (resource.end == LoadEnd::kDone) {
     AddClaims(file, OutlineOf(resource.file.root.get(), resource.key), survey);
@@ -253,9 +255,7 @@ Place PlaceOf(const Survey& survey, const Subject& subject, std::size_t node, Sp
 Place PlaceOf(const Survey& survey, const Claim& claim) {
   const TreeFile& file = survey.files[claim.file];
   if (!claim.pointer.empty()) return {file.text_path, ChildPointer(claim.pointer, IdMember)};
-  const std::optional<Subject> subject = ReadSubject(survey, claim.file);
-  const bool has_id = subject && json_object_get(subject->own_root.get(), IdMember) != nullptr;
-  return {file.path, has_id ? ChildPointer("", IdMember) : ""};
+  return {file.path, file.has_id ? ChildPointer("", IdMember) : ""};
 }
 
 bool IsKey(const Survey& survey, const std::string& key) {

@@ -34,6 +34,7 @@ struct TreeFile {
   LoadEnd end;             ///< As ReadResource and IncludeInResource have it.
   std::string key;         ///< Where its root goes; listed_key where that is not known.
   std::string text_path;   ///< The file that its members stand in: its own or the included one.
+  bool has_id = false;     ///< It has an "@odata.id" itself.
 };
 
 /// Somebody who writes the members of a key: a file's root, or an object that has an "@odata.id"
