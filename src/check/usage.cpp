@@ -29,7 +29,7 @@ What is looked for:
 What is shown:
   --format FORMAT        text, json, sarif or github (text)
   --color WHEN           auto, always or never (auto: on a terminal)
-  -q, --quiet            no last line, and no progress on a terminal
+  -q, --quiet            no lines of files, no last line, no progress
   --print-store          what a create leaves in an empty store, as JSON, and
                          nothing else
 
