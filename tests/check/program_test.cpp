@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/process.h"
@@ -105,6 +106,88 @@ TEST_F(CheckProgram, TakesIncludedFilesFromTheFolder) {
   const Finished finished = Check({Path("tree"), "--print-store", "--www", Path("www")});
   EXPECT_EQ(finished.status, 0);
   EXPECT_EQ(finished.err, "");
+}
+
+// --- Findings ------------------------------------------------------------------------------------
+
+// A tree with a finding of each level.
+class CheckWithFindings : public CheckProgram {
+ protected:
+  CheckWithFindings() {
+    directory.Write("tree/A/index.json", R"({"@odata.id": "/redfish/v1", "Name": "A"})");
+    directory.Write("tree/B/index.json", R"({"Members": [], "Members@odata.count": 1})");
+  }
+
+  int StatusWith(const Words& words) const {
+    Words all = {Path("tree")};
+    all.insert(all.end(), words.begin(), words.end());
+    return Check(all).status;
+  }
+};
+
+TEST_F(CheckWithFindings, EndsWith1AtTheLevelOrAboveIt) {
+  EXPECT_EQ(StatusWith({}), 1);
+  EXPECT_EQ(StatusWith({"--fail-on", "error"}), 1);
+  EXPECT_EQ(StatusWith({"--fail-on", "note"}), 1);
+  const Words warnings = {"--select", "redfish-count", "--fail-on"};
+  const auto with = [&](const std::string& level) {
+    Words words = warnings;
+    words.push_back(level);
+    return StatusWith(words);
+  };
+  EXPECT_EQ(with("error"), 0);
+  EXPECT_EQ(with("warning"), 1);
+  EXPECT_EQ(with("note"), 1);
+  EXPECT_EQ(StatusWith({"--select", "redfish-orphan", "--fail-on", "warning"}), 0);
+  EXPECT_EQ(StatusWith({"--select", "redfish-orphan", "--fail-on", "note"}), 1);
+}
+
+TEST_F(CheckWithFindings, ShowsTheRulesThatAreOnAndNoOthers) {
+  const std::string out = Check({"--select", "redfish-count", Path("tree")}).out;
+  EXPECT_NE(out.find("[redfish-count]"), std::string::npos) << out;
+  EXPECT_EQ(out.find("[key-claimed-twice]"), std::string::npos) << out;
+  const std::string rest = Check({"--ignore", "redfish-count", Path("tree")}).out;
+  EXPECT_EQ(rest.find("[redfish-count]"), std::string::npos) << rest;
+  EXPECT_NE(rest.find("[key-claimed-twice]"), std::string::npos) << rest;
+}
+
+TEST_F(CheckWithFindings, HasTheFormatThatIsAskedFor) {
+  const auto out_with = [&](const std::string& format) {
+    return Check({"--format", format, Path("tree")}).out;
+  };
+  EXPECT_EQ(out_with("text"), Check({Path("tree")}).out);
+  EXPECT_NE(out_with("json").find("\"unused_baseline\""), std::string::npos);
+  EXPECT_NE(out_with("sarif").find("\"2.1.0\""), std::string::npos);
+  EXPECT_NE(out_with("github").find("::warning file="), std::string::npos);
+}
+
+TEST_F(CheckWithFindings, LeavesOutWhatABaselineAccepts) {
+  const std::string known = Path("known");
+  const Finished written = Check({"--write-baseline", known, Path("tree")});
+  EXPECT_EQ(written.status, 0);
+  EXPECT_EQ(written.out + written.err, "");
+  EXPECT_EQ(StatusWith({"--baseline", known, "--fail-on", "note"}), 0);
+  directory.Write("tree/D/index.json",
+                  R"({"Name": "D", "A": {"Members": [], "Members@odata.count": 2}})");
+  const Finished finished = Check({"--baseline", known, "--fail-on", "warning", Path("tree")});
+  EXPECT_EQ(finished.status, 1);
+  EXPECT_NE(finished.out.find("D/index.json"), std::string::npos) << finished.out;
+  EXPECT_EQ(finished.out.find("B/index.json"), std::string::npos) << finished.out;
+}
+
+TEST_F(CheckWithFindings, WritesAllFindingsWhateverABaselineAccepts) {
+  const std::string known = Path("known");
+  EXPECT_EQ(StatusWith({"--write-baseline", known}), 0);
+  EXPECT_EQ(StatusWith({"--baseline", known, "--write-baseline", Path("again")}), 0);
+  EXPECT_EQ(StatusWith({"--baseline", Path("again"), "--fail-on", "note"}), 0);
+}
+
+TEST_F(CheckWithFindings, EndsWith2WithoutTheBaseline) {
+  const Finished finished = Check({"--baseline", Path("none"), Path("tree")});
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_NE(finished.err.find(Path("none")), std::string::npos) << finished.err;
+  EXPECT_EQ(StatusWith({"--write-baseline", Path("none/known")}), 2);
 }
 
 // --- The store -----------------------------------------------------------------------------------
@@ -250,6 +333,54 @@ TEST_F(CheckOnATerminal, ShowsHowFarItIsAndTakesThatAway) {
 TEST_F(CheckOnATerminal, ShowsNoProgressWhereItIsToBeQuiet) {
   EXPECT_EQ(Check({"--quiet"}).status, 1);
   EXPECT_EQ(terminal.Text(), "");
+}
+
+// --- Colors --------------------------------------------------------------------------------------
+
+class CheckInColors : public CheckProgram {
+ protected:
+  CheckInColors() {
+    directory.Write("tree/index.json", R"({"Members": [], "Members@odata.count": 1})");
+  }
+
+  // What the program shows on a terminal or into a pipe.
+  std::string Shown(bool on_terminal, const Words& more,
+                    const std::vector<std::pair<std::string, std::string>>& environment = {}) {
+    const Terminal terminal;
+    RunOptions options;
+    options.environment = {{"NO_COLOR", ""}, {"TERM", "xterm"}};
+    options.environment.insert(options.environment.begin(), environment.begin(), environment.end());
+    if (on_terminal) {
+      options.in_child = [] {
+        (void)dup2(open(Terminal::name.data(), O_RDWR | O_NOCTTY), STDOUT_FILENO);
+      };
+    }
+    Words words = {Path("tree")};
+    words.insert(words.end(), more.begin(), more.end());
+    const Finished finished = ::Check(words, options);
+    EXPECT_EQ(finished.status, 0);
+    const std::string text = on_terminal ? terminal.Text() : finished.out;
+    EXPECT_NE(text.find("redfish-count"), std::string::npos) << text;
+    return text;
+  }
+
+  static bool IsColored(const std::string& text) { return text.find('\033') != std::string::npos; }
+};
+
+TEST_F(CheckInColors, ShowsThemOnATerminalOnly) {
+  EXPECT_TRUE(IsColored(Shown(true, {})));
+  EXPECT_TRUE(IsColored(Shown(true, {"--color", "auto"})));
+  EXPECT_FALSE(IsColored(Shown(false, {})));
+}
+
+TEST_F(CheckInColors, ShowsThemAsItIsTold) {
+  EXPECT_TRUE(IsColored(Shown(false, {"--color", "always"}, {{"NO_COLOR", "1"}})));
+  EXPECT_FALSE(IsColored(Shown(true, {"--color", "never"})));
+}
+
+TEST_F(CheckInColors, ShowsNoneWhereNobodyWantsThem) {
+  EXPECT_FALSE(IsColored(Shown(true, {}, {{"NO_COLOR", "1"}})));
+  EXPECT_FALSE(IsColored(Shown(true, {}, {{"TERM", "dumb"}})));
 }
 
 }  // namespace
