@@ -54,7 +54,7 @@ std::string ComplaintOf(const Words& words) {
   EXPECT_EQ(answer.out, "");
   const std::size_t size = answer.err.size() - std::min(answer.err.size(), kHint.size());
   EXPECT_EQ(answer.err.substr(size), kHint);
-  const std::string complaint = answer.err.substr(0, size);
+  std::string complaint = answer.err.substr(0, size);
   EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1) << complaint;
   return complaint;
 }

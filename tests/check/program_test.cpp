@@ -359,7 +359,7 @@ class CheckInColors : public CheckProgram {
     words.insert(words.end(), more.begin(), more.end());
     const Finished finished = ::Check(words, options);
     EXPECT_EQ(finished.status, 0);
-    const std::string text = on_terminal ? terminal.Text() : finished.out;
+    std::string text = on_terminal ? terminal.Text() : finished.out;
     EXPECT_NE(text.find("redfish-count"), std::string::npos) << text;
     return text;
   }
