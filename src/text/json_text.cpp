@@ -3,6 +3,8 @@
 
 #include "text/json_text.h"
 
+#include <utility>
+
 #include "text/utf8.h"
 
 namespace ostrafel {
@@ -90,6 +92,11 @@ void JsonWriter::Null() {
 void JsonWriter::Member(std::string_view name, std::string_view value) {
   Name(name);
   String(value);
+}
+
+std::string JsonWriter::Finish() {
+  text_ += '\n';
+  return std::move(text_);
 }
 
 void JsonWriter::Open(char opening, char closing) {

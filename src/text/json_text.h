@@ -33,8 +33,8 @@ class JsonWriter {
   /// A member with a string.
   void Member(std::string_view name, std::string_view value);
 
-  /// The text so far, ended by a line end.
-  [[nodiscard]] std::string Finish() const { return text_ + "\n"; }
+  /// The whole text, ended by a line end. Nothing can be written after that.
+  [[nodiscard]] std::string Finish();
 
  private:
   void Open(char opening, char closing);
