@@ -62,7 +62,7 @@ TEST_F(LoadRules, LeaveLinksToWhatCannotBeLookedAtAlone) {
         R"({"C": {"@odata.id": "/redfish/v1/C"}, "D": {"@odata.id": "/redfish/v1/D"}})");
   Link("nothing", "C/index.json");
   Link("nothing", "D/other.json");
-  EXPECT_EQ(Found("link-"), (Lines{"link-dangling index.json:1:54 /D/@odata.id"}));
+  EXPECT_EQ(Found("link-"), (Lines{"link-dangling index.json:1:58 /D/@odata.id"}));
 }
 
 TEST_F(LoadRules, TellOfAFolderThatCannotBeSearchedOnce) {
