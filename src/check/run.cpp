@@ -100,8 +100,9 @@ int PrintStore(const CheckOptions& options) {
 }
 
 Survey SurveyWith(const CheckOptions& options, ProgressLine* progress) {
-  return SurveyTree(RequestOf(options),
-                    [&](std::size_t done, std::size_t all) { progress->Show("read", done, all); });
+  return SurveyTree(RequestOf(options), [&](std::size_t done, std::size_t all) {
+    progress->Show("surveyed", done, all);
+  });
 }
 
 // The findings of the rules that are on, with positions.

@@ -63,13 +63,14 @@ LoadRequest With(LoadRequest request, LoadAction action) {
   return request;
 }
 
-void PlayLoads(Survey* survey) {
+void PlayLoads(Survey* survey, const TakeProgress& tell) {
   const LoadRequest create = With(survey->request, LoadAction::kCreate);
   const LoadRequest update = With(survey->request, LoadAction::kUpdate);
   const Listing& listing = survey->listing;
   Server& store = survey->store;
 
   survey->create = PlayLoad(&store, create, listing, OnFailure::kStop);
+  tell(0, listing.list.keys.size());
   survey->keys = store.keys.size();
   survey->records = CountRecords(store);
   survey->is_refused = IsRefused(survey->create);
@@ -189,7 +190,7 @@ Survey SurveyTree(const LoadRequest& request, const TakeProgress& tell) {
   survey.request = request;
   survey.listing = ListTree(request);
   AddUnreadKeys(&survey);
-  PlayLoads(&survey);
+  PlayLoads(&survey, tell);
   const std::size_t count = survey.listing.list.keys.size();
   survey.files.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {

@@ -72,7 +72,7 @@ struct Survey {
 };
 
 /// Reads the tree and plays its loads. Prints nothing. Keeps all documents in Documents.kept_files,
-/// which must be set. Tells how many documents it has read.
+/// which must be set. Tells how many files it has surveyed.
 [[nodiscard]] Survey SurveyTree(
     const LoadRequest& request, const TakeProgress& tell = [](std::size_t, std::size_t) {});
 

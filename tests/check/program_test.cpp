@@ -324,7 +324,7 @@ class CheckOnATerminal : public CheckProgram {
 TEST_F(CheckOnATerminal, ShowsHowFarItIsAndTakesThatAway) {
   EXPECT_EQ(Check({}).status, 1);
   const std::string text = terminal.Text();
-  EXPECT_EQ(text.compare(0, 6, "\rread "), 0) << text;
+  EXPECT_EQ(text.compare(0, 10, "\rsurveyed "), 0) << text;
   EXPECT_NE(text.find(" of 2 files"), std::string::npos) << text;
   ASSERT_GE(text.size(), 2U);
   EXPECT_EQ(text.substr(text.size() - 2), " \r") << text;
