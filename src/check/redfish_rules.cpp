@@ -152,11 +152,12 @@ void CheckActions(const Survey& survey, const Subject& subject, Findings* findin
 // --- redfish-error-body, redfish-required --------------------------------------------------------
 
 // The names of the members that every resource has and root lacks, as a list to read; empty when
-// it lacks none.
+// it lacks none. Collections have no Id.
 std::string MissingMembers(const json_t* root) {
+  const bool is_collection = json_is_array(json_object_get(root, "Members"));
   std::string missing;
-  for (const char* name : {IdMember, "@odata.type", "Id", "Name"}) {
-    if (json_object_get(root, name) != nullptr) continue;
+  for (const std::string_view name : {IdMember, "@odata.type", "Id", "Name"}) {
+    if (json_object_get(root, name.data()) != nullptr || (is_collection && name == "Id")) continue;
     missing += missing.empty() ? "" : ", ";
     missing.append("\"").append(name).append("\"");
   }

@@ -238,7 +238,8 @@ const std::vector<Rule>& Rules() {
       {RuleId::kRedfishRequired, "redfish-required", Level::kWarning, false,
        "a resource without \"@odata.id\", \"@odata.type\", Id or Name",
        "Each resource has \"@odata.id\", \"@odata.type\", \"Id\" and \"Name\", and clients rely "
-       "on them. The rule is off unless it is selected: trees that are merged into others, or "
+       "on them; a collection has no \"Id\". The rule is off unless it is selected: trees that are "
+       "merged into others, or "
        "completed by the service that reads the store, need not have them."},
   };
   return rules;

@@ -230,6 +230,11 @@ TEST_F(RedfishRules, RequireNothingOfTheServiceDocument) {
             (Lines{"redfish-orphan odata/index.json ", "redfish-required odata/index.json "}));
 }
 
+TEST_F(RedfishRules, AskNoIdOfCollections) {
+  Write("index.json", R"({"@odata.id": "/redfish/v1", "@odata.type": "#C.C", "Members": []})");
+  EXPECT_EQ(Sentences("redfish-required"), (Lines{R"(this resource lacks "Name")"}));
+}
+
 TEST(RedfishRule, RequiredIsOffByDefault) { EXPECT_FALSE(RuleOf(RuleId::kRedfishRequired).is_on); }
 
 }  // namespace
