@@ -136,7 +136,7 @@ const std::vector<Rule>& Rules() {
        "Let \"@odata.id\" begin with the URI, or load that part of the tree with a URI of its "
        "own. \"#/...\" alone is a key like any other: put the key of the file in front of it."},
       {RuleId::kKeyGlob, "key-glob", Level::kWarning, true,
-       "\"*\", \"?\", \"[\" or \"\\\" in a key or a name",
+       R"("*", "?", "[" or "\" in a key or a name)",
        "An update looks for stored keys and links by patterns that it makes of keys and "
        "names as they are. There \"*\" stands for any characters, \"?\" for any one, \"[\" begins "
        "a choice of them, and \"\\\" takes the meaning from the next one. So the update finds, "
@@ -236,7 +236,7 @@ const std::vector<Rule>& Rules() {
        "service write such files when they may not read a resource. Fetch the resource again, or "
        "remove the file and what links to it."},
       {RuleId::kRedfishRequired, "redfish-required", Level::kWarning, false,
-       "a resource without \"@odata.id\", \"@odata.type\", Id or Name",
+       R"(a resource without "@odata.id", "@odata.type", Id or Name)",
        "Each resource has \"@odata.id\", \"@odata.type\", \"Id\" and \"Name\", and clients rely "
        "on them; a collection has no \"Id\". The rule is off unless it is selected: trees that are "
        "merged into others, or "

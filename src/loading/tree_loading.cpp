@@ -55,7 +55,8 @@ LoadOutcome LoadFiles(Server* server, const LoadList& list, OnFailure on_failure
     if (on_failure == OnFailure::kStop) return outcome;
     if (first.end == LoadEnd::kDone) first = std::move(outcome);
   }
-  if (!FlushAllBatches(server, on_failure) && first.end == LoadEnd::kDone) first = {LoadEnd::kNotFlushed};
+  if (!FlushAllBatches(server, on_failure) && first.end == LoadEnd::kDone)
+    first = {LoadEnd::kNotFlushed};
   return first;
 }
 

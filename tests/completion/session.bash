@@ -82,6 +82,7 @@ make_commands() {
     printf '%s() { printf "<%%s>" "$@" >"%s/new" && mv "%s/new" "%s/arguments"; }\n' \
       "$command" "$work" "$work" "$work"
   done
+  # shellcheck disable=SC2154  # the test that includes this has it
   printf 'PATH=%q:$PATH\n' "$installed/bin"  # the program tells its rules
 }
 
