@@ -17,7 +17,7 @@ OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};
 # SRCREV says what is built, wherever that comes from: the place stays out of the tasks' signatures.
 OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "c47343f891b8153fdf91b80e663f6c7aa6f95130"
+SRCREV = "63e5fbd8adcb19ecc1996cc9b39a358921e21808"
 
 # Where UNPACKDIR has no value, as in the first release of scarthgap, WORKDIR is unpacked into.
 UNPACKDIR ??= "${WORKDIR}"
