@@ -56,7 +56,7 @@ void AppendChildren(Outline* outline, std::size_t parent) {
     }
   } else if (kind == NodeKind::kObject) {
     // jansson's iterators take no const object, though they change none.
-    json_t* object = const_cast<json_t*>(value);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    auto* object = const_cast<json_t*>(value);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
     for (void* member = json_object_iter(object); member != nullptr;
          member = json_object_iter_next(object, member)) {
       Append(outline, {json_object_iter_value(member), parent, json_object_iter_key(member)});
