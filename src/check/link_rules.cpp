@@ -42,21 +42,24 @@ Place PlaceOfLink(const Survey& survey, const Subject& subject, std::size_t node
   return PlaceOf(survey, subject, ChildPointer(PointerOf(subject.outline, node), IdMember));
 }
 
-void CheckLink(const Survey& survey, const Subject& subject, std::size_t i, Findings* findings) {
+void CheckLink(const Survey& survey, const Subject& subject, std::size_t i, LinkedDocuments* linked,
+               Findings* findings) {
   const Node& node = subject.outline[i];
   if (IsElsewhere(node.key)) return;
-  std::optional<TargetProblem> problem = ProblemOf(survey, subject, node.key, HasQuery::kNo);
+  std::optional<TargetProblem> problem =
+      ProblemOf(survey, subject, node.key, HasQuery::kNo, linked);
   if (!problem) return;
   findings->push_back({problem->is_fragment ? RuleId::kLinkFragment : RuleId::kLinkDangling,
                        PlaceOfLink(survey, subject, i), subject.outline[node.parent].key,
                        "the link " + problem->text, std::move(problem->related)});
 }
 
-void CheckUri(const Survey& survey, const Subject& subject, std::size_t i, Findings* findings) {
+void CheckUri(const Survey& survey, const Subject& subject, std::size_t i, LinkedDocuments* linked,
+              Findings* findings) {
   const Node& node = subject.outline[i];
   const char* uri = LocalUri(node);
   if (uri == nullptr) return;
-  std::optional<TargetProblem> problem = ProblemOf(survey, subject, uri, HasQuery::kYes);
+  std::optional<TargetProblem> problem = ProblemOf(survey, subject, uri, HasQuery::kYes, linked);
   if (!problem) return;
   findings->push_back({problem->is_fragment ? RuleId::kLinkFragment : RuleId::kLinkUri,
                        PlaceOf(survey, subject, i), subject.outline[node.parent].key,
@@ -83,12 +86,13 @@ void CheckRepetition(const Survey& survey, const Subject& subject, std::size_t i
 void CheckLinkRulesIn(const Survey& survey, const Subject& subject, Findings* findings) {
   const std::vector<bool> is_stored = StoredNodes(survey, subject);
   std::unordered_map<std::size_t, LinksOfArray> arrays;
+  LinkedDocuments linked;
   for (std::size_t i = 1; i < subject.outline.size(); ++i) {
     if (!is_stored[i]) continue;
     const Node& node = subject.outline[i];
-    if (node.kind == NodeKind::kScalar) CheckUri(survey, subject, i, findings);
+    if (node.kind == NodeKind::kScalar) CheckUri(survey, subject, i, &linked, findings);
     if (node.kind != NodeKind::kLink) continue;
-    CheckLink(survey, subject, i, findings);
+    CheckLink(survey, subject, i, &linked, findings);
     if (node.name == nullptr) {
       CheckRepetition(survey, subject, i, &arrays[node.parent], findings);
     }

@@ -80,22 +80,27 @@ TargetProblem Dangling(const Survey& survey, const std::string& key) {
   return problem;
 }
 
-// The document of a file, as it is written. Without an outline, which would cost as much as the
-// document is large, for each link into it.
-Document RootOf(const TreeFile& file) {
-  Resource resource = ReadResource(file.path, file.listed_key);
-  if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
-  return resource.end == LoadEnd::kDone ? std::move(resource.file.root) : Document();
+// The document of a file, as it is written; null when there is none. Without an outline, which
+// would cost as much as the document is large.
+const json_t* RootOf(const Survey& survey, std::size_t file, LinkedDocuments* linked) {
+  const auto [document, is_new] = linked->try_emplace(file);
+  if (is_new) {
+    const TreeFile& tree_file = survey.files[file];
+    Resource resource = ReadResource(tree_file.path, tree_file.listed_key);
+    if (resource.end == LoadEnd::kDone) IncludeInResource(&resource);
+    if (resource.end == LoadEnd::kDone) document->second = std::move(resource.file.root);
+  }
+  return document->second.get();
 }
 
 // True when somebody claims the key, and something else than its emptiness keeps it out of the
 // store. That is told where it happens.
-bool IsLost(const Survey& survey, const std::string& key) {
+bool IsLost(const Survey& survey, const std::string& key, LinkedDocuments* linked) {
   const auto claims = survey.claims.find(key);
   if (claims == survey.claims.end()) return false;
   const Claim& claim = claims->second.front();
-  const Document root = RootOf(survey.files[claim.file]);
-  return json_object_size(ValueAt(root.get(), claim.pointer)) != 0;
+  const json_t* root = RootOf(survey, claim.file, linked);
+  return json_object_size(ValueAt(root, claim.pointer)) != 0;
 }
 
 // True when the fragment leads somewhere in value.
@@ -105,7 +110,8 @@ bool Leads(const json_t* value, const std::string& fragment) {
 }
 
 // True when the target's fragment leads somewhere, as far as is known.
-bool HasFragment(const Survey& survey, const Subject& subject, const Target& target) {
+bool HasFragment(const Survey& survey, const Subject& subject, const Target& target,
+                 LinkedDocuments* linked) {
   const std::string& fragment = *target.fragment;
   if (target.key.empty()) return Leads(subject.root.get(), fragment);
   const auto claims = survey.claims.find(target.key);
@@ -114,8 +120,8 @@ bool HasFragment(const Survey& survey, const Subject& subject, const Target& tar
   if (claim.file == subject.file) {
     return Leads(ValueAt(subject.root.get(), claim.pointer), fragment);
   }
-  const Document root = RootOf(survey.files[claim.file]);
-  return !root || Leads(ValueAt(root.get(), claim.pointer), fragment);
+  const json_t* root = RootOf(survey, claim.file, linked);
+  return root == nullptr || Leads(ValueAt(root, claim.pointer), fragment);
 }
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -128,16 +134,17 @@ bool IsOfScheme(char c) {
 }  // namespace
 
 std::optional<TargetProblem> ProblemOf(const Survey& survey, const Subject& subject,
-                                       const std::string& target, HasQuery has_query) {
+                                       const std::string& target, HasQuery has_query,
+                                       LinkedDocuments* linked) {
   // Files are missing from the list when a folder could not be read.
   if (survey.listing.end != LoadEnd::kDone || IsKey(survey, target)) return std::nullopt;
   const Target parts = Split(target, has_query);
   const bool is_own = parts.key.empty() && parts.fragment;
   if (!is_own && !IsKey(survey, parts.key)) {
-    if (IsLost(survey, parts.key)) return std::nullopt;
+    if (IsLost(survey, parts.key, linked)) return std::nullopt;
     return Dangling(survey, parts.key);
   }
-  if (!parts.fragment || HasFragment(survey, subject, parts)) return std::nullopt;
+  if (!parts.fragment || HasFragment(survey, subject, parts, linked)) return std::nullopt;
   const std::string place = is_own ? "this document" : "what is stored at " + Quoted(parts.key);
   return TargetProblem{true, "leads nowhere: " + place + " has no " + Quoted(*parts.fragment), {}};
 }
