@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 #include "check/key_rules.h"
@@ -83,9 +85,12 @@ void LocateFindings(Findings* findings) {
     if (found == of_path.end()) return;
     place->position = place->spot == Spot::kName ? found->second.name : found->second.value;
   });
+  // Refers to the texts, which are long.
   const auto order = [](const Finding& a) {
-    return std::make_tuple(a.place.path, a.place.position.line, a.place.position.column,
-                           std::string(RuleOf(a.rule).name), a.place.pointer, a.message);
+    const Place& place = a.place;
+    return std::make_tuple(std::string_view(place.path), place.position.line, place.position.column,
+                           std::string_view(RuleOf(a.rule).name), std::cref(place.pointer),
+                           std::string_view(a.message));
   };
   std::sort(findings->begin(), findings->end(),
             [&](const Finding& a, const Finding& b) { return order(a) < order(b); });

@@ -17,6 +17,13 @@ std::string NameOf(const Node& node) {
   return node.name != nullptr ? node.name : std::to_string(node.index);
 }
 
+// Appends "/" and name to a JSON pointer, "~" and "/" in name escaped.
+void AppendName(std::string name, std::string* pointer) {
+  ReplaceAll(name, "~", "~0");
+  ReplaceAll(name, "/", "~1");
+  pointer->append("/").append(name);
+}
+
 // Says what an object, an array or a link is, and its key.
 void Classify(const Outline& outline, Node* node) {
   const json_t* value = node->value;
@@ -75,10 +82,9 @@ Outline OutlineOf(const json_t* root, const std::string& key) {
 }
 
 std::string ChildPointer(const std::string& pointer, const std::string& name) {
-  std::string escaped = name;
-  ReplaceAll(escaped, "~", "~0");
-  ReplaceAll(escaped, "/", "~1");
-  return pointer + "/" + escaped;
+  std::string child = pointer;
+  AppendName(name, &child);
+  return child;
 }
 
 std::string PointerOf(const Outline& outline, std::size_t node) {
@@ -86,7 +92,7 @@ std::string PointerOf(const Outline& outline, std::size_t node) {
   for (; node != 0; node = outline[node].parent) path.push_back(node);
   std::string pointer;
   for (auto step = path.rbegin(); step != path.rend(); ++step) {
-    pointer = ChildPointer(pointer, NameOf(outline[*step]));
+    AppendName(NameOf(outline[*step]), &pointer);
   }
   return pointer;
 }
