@@ -119,12 +119,20 @@ bool ClaimsKey(const Outline& outline, std::size_t node) {
 }
 
 // Adds what the file claims, less what an object that comes too late holds.
+// What comes after an "@odata.id" that is no string, up to the next member of the root, is not
+// written and claims nothing.
 void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
   std::vector<bool> is_late(outline.size());
+  bool is_given_up = false;
   for (std::size_t i = 0; i < outline.size(); ++i) {
     const Node& node = outline[i];
+    if (node.parent == 0) is_given_up = false;
     if (i != 0 && is_late[node.parent]) {
       is_late[i] = true;
+    } else if (is_given_up) {
+      if (ClaimsKey(outline, i)) survey->unread_keys.insert(node.key);
+    } else if (node.kind == NodeKind::kBadId) {
+      is_given_up = true;
     } else if (ClaimsKey(outline, i)) {
       std::vector<Claim>& claims = survey->claims[node.key];
       claims.push_back({file, PointerOf(outline, i)});
@@ -133,7 +141,6 @@ void AddClaims(std::size_t file, const Outline& outline, Survey* survey) {
   }
 }
 
-// Takes the file that stands at that place of the listing into the survey.
 void AddFile(std::size_t file, Survey* survey) {
   const LoadList& list = survey->listing.list;
   Resource resource = ReadResource(list.paths[file], list.keys[file]);

@@ -54,7 +54,8 @@ struct Survey {
   /// later one holds is not, and claims nothing.
   std::unordered_map<std::string, std::vector<Claim>> claims;
 
-  /// The keys of files that could not be read: what lies there is not known.
+  /// The keys of files that could not be read, and of objects that an "@odata.id" that is no string
+  /// keeps from being written: what should lie there is not known.
   std::unordered_set<std::string> unread_keys;
 
   Played create;             ///< On an empty store.

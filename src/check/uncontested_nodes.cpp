@@ -12,7 +12,7 @@ namespace {
 // True when nobody claims the key of the node, which has one of its own, before the node does.
 bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node) {
   const auto found = survey.claims.find(subject.outline[node].key);
-  if (found == survey.claims.end()) return false;
+  if (found == survey.claims.end()) return true;
   const Claim& first = found->second.front();
   return first.file == subject.file && first.pointer == PointerOf(subject.outline, node);
 }

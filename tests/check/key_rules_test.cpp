@@ -47,6 +47,18 @@ TEST_F(KeyRules, FindNothingInASoundTree) {
 
 // --- key-claimed-twice
 
+TEST_F(KeyRules, LeaveKeysToWhoWritesThemAfterABadId) {
+  Write("index.json",
+        R"({"A": [{"@odata.id": 5}, {"@odata.id": "/redfish/v1/K", "B": 1}],
+            "C": {"@odata.id": "/redfish/v1/K", "D": 4294967296},
+            "E": [{"@odata.id": 5}, {"@odata.id": "/redfish/v1/L", "F": {"@odata.id": 6}}],
+            "G": {"@odata.id": "/redfish/v1/L"}})");
+  EXPECT_EQ(Found("key-"), Lines{});
+  EXPECT_EQ(Pointers("store-"), (Lines{"store-integer-clamped index.json /C/D"}));
+  EXPECT_EQ(Pointers("link-"), Lines{});
+  EXPECT_EQ(Found("load-id-type").size(), 3U);
+}
+
 TEST_F(KeyRules, TellTheSecondClaimOfAKeyInOneFile) {
   Write("index.json", R"({"@odata.id": "/redfish/v1", "A": {"@odata.id": "/redfish/v1/x", "N": 1},
       "B": {"@odata.id": "/redfish/v1/x", "N": 2}, "C": {"@odata.id": "/redfish/v1/x", "N": 3}})");
