@@ -10,7 +10,7 @@ namespace {
 
 const char* CommandOf(Level level) { return level == Level::kNote ? "notice" : NameOf(level); }
 
-// Line ends and percent signs as the runners take them. They read UTF-8.
+// Line ends and percent signs as the runners take them.
 std::string Escape(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -24,13 +24,13 @@ std::string Escape(const std::string& text) {
       result += c;
     }
   }
-  return Printable(result);
+  return result;
 }
 
-// What stands in front of the message must not hold what ends it there.
+// What stands in front of the message must not hold what ends it there. The runners read UTF-8.
 std::string EscapeProperty(const std::string& text) {
   std::string result;
-  for (const char c : Escape(text)) {
+  for (const char c : Printable(Escape(text))) {
     if (c == ':') {
       result += "%3A";
     } else if (c == ',') {

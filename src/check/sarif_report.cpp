@@ -39,20 +39,21 @@ std::string FileUriOf(const std::string& path) {
   return "file://" + UriOf(error ? path : absolute.lexically_normal().string());
 }
 
+// A message of one line, or a text of several. What comes from files is to be Printable: hardly any
+// reader takes the lone surrogates that stand for other bytes in JSON.
 void WriteText(JsonWriter* json, const char* name, const std::string& text) {
   json->Name(name);
   json->OpenObject();
-  json->Member("text", Printable(text));
+  json->Member("text", text);
   json->Close();
 }
 
 void WriteRule(JsonWriter* json, const Rule& rule) {
-  const std::string explanation = rule.explanation;
   json->OpenObject();
   json->Member("id", rule.name);
   WriteText(json, "shortDescription", rule.summary);
-  WriteText(json, "fullDescription", explanation.empty() ? rule.summary : explanation);
-  WriteText(json, "help", explanation.empty() ? rule.summary : explanation);
+  WriteText(json, "fullDescription", rule.explanation);
+  WriteText(json, "help", rule.explanation);
   json->Name("defaultConfiguration");
   json->OpenObject();
   json->Name("enabled");
@@ -127,7 +128,7 @@ void WriteRelated(JsonWriter* json, const CheckOptions& options,
   for (const Related& one : related) {
     json->OpenObject();
     WritePlace(json, options, one.place);
-    WriteText(json, "message", one.message);
+    WriteText(json, "message", Printable(one.message));
     json->Close();
   }
   json->Close();
@@ -159,7 +160,7 @@ void WriteResult(JsonWriter* json, const CheckOptions& options, const Finding& f
   json->Name("ruleIndex");
   json->Number(static_cast<std::size_t>(rule.id));
   json->Member("level", NameOf(rule.level));
-  WriteText(json, "message", finding.message);
+  WriteText(json, "message", Printable(finding.message));
   json->Name("locations");
   json->OpenArray();
   json->OpenObject();

@@ -46,7 +46,7 @@ TEST_F(GithubReports, EndWithUnusedEntriesAndTheSummary) {
   report.unused_entries = {{"key-glob", "a%", "/B", 7}};
   EXPECT_EQ(
       GithubReport(options, report),
-      "::notice title=baseline::nothing is accepted by this entry: key-glob\\x09a%25\\x09/B\n" +
+      "::notice title=baseline::nothing is accepted by this entry: key-glob\ta%25\t/B\n" +
           SummaryLine(report) + "\n");
 }
 
