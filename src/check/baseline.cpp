@@ -44,13 +44,6 @@ std::string EscapeField(const std::string& field) {
   return text;
 }
 
-// The value of a hexadecimal digit; 16 for any other character.
-unsigned DigitValue(char c) {
-  constexpr std::string_view digits = "0123456789abcdef0123456789ABCDEF";
-  const std::size_t place = digits.find(c);
-  return place == std::string_view::npos ? 16 : static_cast<unsigned>(place % 16);
-}
-
 // Takes an escape away from the front of rest, which begins with a backslash, and appends what it
 // stands for. False when it is none.
 bool TakeEscape(std::string_view* rest, std::string* field) {
@@ -59,11 +52,10 @@ bool TakeEscape(std::string_view* rest, std::string* field) {
     rest->remove_prefix(2);
     return true;
   }
-  if (rest->size() < 4 || (*rest)[1] != 'x') return false;
-  const unsigned high = DigitValue((*rest)[2]);
-  const unsigned low = DigitValue((*rest)[3]);
-  if (high > 15 || low > 15) return false;
-  *field += static_cast<char>(static_cast<unsigned char>(high << 4U | low));
+  if (rest->substr(0, 2) != "\\x") return false;
+  const std::optional<char> byte = ByteOf(rest->substr(2, 2));
+  if (!byte) return false;
+  *field += *byte;
   rest->remove_prefix(4);
   return true;
 }

@@ -15,6 +15,7 @@
 
 #include "check/quoted.h"
 #include "layout/resource_id.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 

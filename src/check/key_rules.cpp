@@ -16,6 +16,7 @@
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
 #include "memory/glob.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 

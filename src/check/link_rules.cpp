@@ -13,6 +13,7 @@
 
 #include "check/link_target.h"
 #include "layout/resource_id.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 

@@ -16,6 +16,7 @@
 #include "base/files.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
+#include "text/json_pointer.h"
 #include "text/text_file.h"
 
 namespace ostrafel {

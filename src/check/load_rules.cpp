@@ -12,6 +12,7 @@
 #include "check/lost_members.h"
 #include "check/uncontested_nodes.h"
 #include "layout/resource_id.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 

@@ -10,6 +10,7 @@
 
 #include "document/json_file.h"
 #include "layout/resource_id.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 

@@ -9,6 +9,7 @@
 #include "check/redfish_documents.h"
 #include "check/redfish_references.h"
 #include "layout/resource_id.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 
@@ -60,29 +61,6 @@ bool IsOf(const TreeFile& file, std::string_view uri) {
   return plain == WithoutLastSlash(file.key) || plain == WithoutLastSlash(file.listed_key);
 }
 
-int HexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
-  return -1;
-}
-
-// text with each "%XX" replaced by the byte that it stands for.
-std::string PercentDecoded(std::string_view text) {
-  std::string decoded;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool is_code = text[i] == '%' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 &&
-                         HexDigit(text[i + 2]) >= 0;
-    if (is_code) {
-      decoded += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
-      i += 2;
-    } else {
-      decoded += text[i];
-    }
-  }
-  return decoded;
-}
-
 void CheckMemberIds(const Survey& survey, const Subject& subject, Findings* findings) {
   const TreeFile& file = survey.files[subject.file];
   for (std::size_t i = 0; i < subject.outline.size(); ++i) {
@@ -92,7 +70,8 @@ void CheckMemberIds(const Survey& survey, const Subject& subject, Findings* find
     if (hash == std::string::npos) continue;
     const std::string pointer = PointerOf(subject.outline, i);
     const bool is_here = hash == 0 || IsOf(file, node.key.substr(0, hash));
-    if (is_here && PercentDecoded(node.key.substr(hash + 1)) == pointer) continue;
+    const std::string fragment = node.key.substr(hash + 1);
+    if (is_here && DecodePercents(fragment).value_or(fragment) == pointer) continue;
     Add(RuleId::kRedfishMemberId, survey, subject, ChildPointer(pointer, IdMember),
         "this object says that it is \"" + node.key + "\", but it stands at \"" +
             WithoutLastSlash(file.key) + "#" + pointer + "\"",

@@ -9,6 +9,7 @@
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
 #include "store/server.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 

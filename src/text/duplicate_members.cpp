@@ -6,10 +6,10 @@
 #include <unordered_map>
 #include <utility>
 
+#include "text/json_pointer.h"
 #include "text/json_positions.h"
 #include "text/json_walk.h"
 #include "text/position_counter.h"
-#include "tree/outline.h"
 
 namespace ostrafel {
 
@@ -129,8 +129,7 @@ class DuplicateFinder : public JsonVisitor {
   [[nodiscard]] std::string Pointer() const {
     std::string pointer;
     for (const Open& open : open_) {
-      pointer +=
-          ChildPointer("", open.is_array ? std::to_string(open.elements - 1) : open.member->first);
+      AppendStep(open.is_array ? std::to_string(open.elements - 1) : open.member->first, &pointer);
     }
     return pointer;
   }

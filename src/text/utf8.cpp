@@ -85,6 +85,15 @@ std::string EscapeBytes(std::string_view bytes) {
   return text;
 }
 
+std::optional<char> ByteOf(std::string_view digits) {
+  constexpr std::string_view all = "0123456789abcdef0123456789ABCDEF";
+  if (digits.size() != 2) return std::nullopt;
+  const std::size_t high = all.find(digits[0]);
+  const std::size_t low = all.find(digits[1]);
+  if (high == std::string_view::npos || low == std::string_view::npos) return std::nullopt;
+  return static_cast<char>(static_cast<unsigned char>(high % 16 * 16 + low % 16));
+}
+
 std::string Printable(std::string_view text) {
   std::string result;
   result.reserve(text.size());

@@ -6,6 +6,7 @@
 #define OSTRAFEL_TEXT_UTF8_H_
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,9 @@ struct Character {
 
 /// "\xNN" for each of the bytes.
 [[nodiscard]] std::string EscapeBytes(std::string_view bytes);
+
+/// The byte that two hexadecimal digits stand for; nothing for any other text.
+[[nodiscard]] std::optional<char> ByteOf(std::string_view digits);
 
 /// The text on one line and in UTF-8, controls and what is no UTF-8 as "\xNN".
 [[nodiscard]] std::string Printable(std::string_view text);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "text/json_pointer.h"
 #include "text/json_positions.h"
 #include "text/json_walk.h"
 #include "text/position_counter.h"
@@ -22,21 +23,6 @@ struct WantedNode {
   bool is_seen = false;
   std::map<std::string, std::size_t, std::less<>> children = {};  // by name or index
 };
-
-// A name in a pointer, without its escapes; nothing when they are wrong.
-std::optional<std::string> Unescaped(std::string_view escaped) {
-  std::string name;
-  for (std::size_t i = 0; i < escaped.size(); ++i) {
-    if (escaped[i] != '~') {
-      name += escaped[i];
-      continue;
-    }
-    ++i;
-    if (i == escaped.size() || (escaped[i] != '0' && escaped[i] != '1')) return std::nullopt;
-    name += escaped[i] == '0' ? '~' : '/';
-  }
-  return name;
-}
 
 // The values that are wanted, as a tree. Node 0 is the root.
 class WantedTree {
@@ -60,7 +46,7 @@ class WantedTree {
       if (pointer[end] != '/') return;
       const std::size_t start = end + 1;
       end = std::min(pointer.find('/', start), pointer.size());
-      std::optional<std::string> name = Unescaped(pointer.substr(start, end - start));
+      std::optional<std::string> name = NameOfStep(pointer.substr(start, end - start));
       if (!name) return;
       const auto [child, is_new] =
           nodes_[node].children.try_emplace(std::move(*name), nodes_.size());

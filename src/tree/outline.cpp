@@ -8,6 +8,7 @@
 
 #include "layout/resource_id.h"
 #include "layout/value_rendering.h"
+#include "text/json_pointer.h"
 
 namespace ostrafel {
 
@@ -15,13 +16,6 @@ namespace {
 
 std::string NameOf(const Node& node) {
   return node.name != nullptr ? node.name : std::to_string(node.index);
-}
-
-// Appends "/" and name to a JSON pointer, "~" and "/" in name escaped.
-void AppendName(std::string name, std::string* pointer) {
-  ReplaceAll(name, "~", "~0");
-  ReplaceAll(name, "/", "~1");
-  pointer->append("/").append(name);
 }
 
 // Says what an object, an array or a link is, and its key.
@@ -81,18 +75,12 @@ Outline OutlineOf(const json_t* root, const std::string& key) {
   return outline;
 }
 
-std::string ChildPointer(const std::string& pointer, const std::string& name) {
-  std::string child = pointer;
-  AppendName(name, &child);
-  return child;
-}
-
 std::string PointerOf(const Outline& outline, std::size_t node) {
   std::vector<std::size_t> path;
   for (; node != 0; node = outline[node].parent) path.push_back(node);
   std::string pointer;
   for (auto step = path.rbegin(); step != path.rend(); ++step) {
-    AppendName(NameOf(outline[*step]), &pointer);
+    AppendStep(NameOf(outline[*step]), &pointer);
   }
   return pointer;
 }

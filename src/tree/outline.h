@@ -46,9 +46,6 @@ using Outline = std::vector<Node>;
 /// The JSON pointer (RFC 6901) of a node; empty for the root.
 [[nodiscard]] std::string PointerOf(const Outline& outline, std::size_t node);
 
-/// Appends "/" and name to a JSON pointer, "~" and "/" in name escaped.
-[[nodiscard]] std::string ChildPointer(const std::string& pointer, const std::string& name);
-
 /// Where a node, which is not the root, is recorded in its parent.
 struct Record {
   ParentKind parent;  ///< What the parent's key holds.

@@ -52,6 +52,15 @@ TEST(Utf8, RefusesWhatIsNone) {
   EXPECT_TRUE(IsRefused("\xE2zz"));
 }
 
+TEST(Utf8, ReadsTheBytesThatAreEscaped) {
+  EXPECT_EQ(ByteOf("00"), '\0');
+  EXPECT_EQ(ByteOf("aF"), '\xAF');
+  EXPECT_EQ(ByteOf("Fa"), '\xFA');
+  for (const char* text : {"", "1", "123", "g0", "0G", " 1", "-1"}) {
+    EXPECT_EQ(ByteOf(text), std::nullopt) << text;
+  }
+}
+
 TEST(Utf8, HasColumnsAsTerminalsDo) {
   EXPECT_EQ(ColumnsOf('A'), 1U);
   EXPECT_EQ(ColumnsOf(U'é'), 1U);

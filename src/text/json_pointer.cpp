@@ -1,31 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tree/json_pointer.h"
+#include "text/json_pointer.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <limits>
 
+#include "text/utf8.h"
+
 namespace ostrafel {
 
 namespace {
-
-// The name that a step of a pointer stands for; nothing for a "~" without "0" or "1" and for a NUL,
-// which no name holds.
-std::optional<std::string> NameOf(std::string_view step) {
-  std::string name;
-  for (std::size_t i = 0; i < step.size(); ++i) {
-    char next = step[i];
-    if (next == '\0') return std::nullopt;
-    if (next == '~') {
-      if (++i == step.size() || (step[i] != '0' && step[i] != '1')) return std::nullopt;
-      next = step[i] == '0' ? '~' : '/';
-    }
-    name += next;
-  }
-  return name;
-}
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -46,19 +32,43 @@ const json_t* Child(const json_t* value, std::string_view step) {
     const std::optional<std::size_t> index = IndexOf(step);
     return index ? json_array_get(value, *index) : nullptr;
   }
-  const std::optional<std::string> name = NameOf(step);
+  const std::optional<std::string> name = NameOfStep(step);
   return name ? json_object_get(value, name->c_str()) : nullptr;
 }
 
-// The value of a hexadecimal digit; nothing for another character.
-std::optional<unsigned> HexDigit(char c) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  const std::size_t found = digits.find(c >= 'A' && c <= 'F' ? static_cast<char>(c + 32) : c);
-  if (found == std::string_view::npos) return std::nullopt;
-  return static_cast<unsigned>(found);
+}  // namespace
+
+void AppendStep(std::string_view name, std::string* pointer) {
+  *pointer += '/';
+  for (const char c : name) {
+    if (c == '~') {
+      *pointer += "~0";
+    } else if (c == '/') {
+      *pointer += "~1";
+    } else {
+      *pointer += c;
+    }
+  }
 }
 
-}  // namespace
+std::string ChildPointer(std::string pointer, std::string_view name) {
+  AppendStep(name, &pointer);
+  return pointer;
+}
+
+std::optional<std::string> NameOfStep(std::string_view step) {
+  std::string name;
+  for (std::size_t i = 0; i < step.size(); ++i) {
+    char next = step[i];
+    if (next == '\0') return std::nullopt;
+    if (next == '~') {
+      if (++i == step.size() || (step[i] != '0' && step[i] != '1')) return std::nullopt;
+      next = step[i] == '0' ? '~' : '/';
+    }
+    name += next;
+  }
+  return name;
+}
 
 const json_t* ValueAt(const json_t* root, std::string_view pointer) {
   const json_t* value = root;
@@ -79,11 +89,9 @@ std::optional<std::string> DecodePercents(std::string_view text) {
       decoded += text[i];
       continue;
     }
-    if (text.size() - i < 3) return std::nullopt;
-    const std::optional<unsigned> high = HexDigit(text[i + 1]);
-    const std::optional<unsigned> low = HexDigit(text[i + 2]);
-    if (!high || !low) return std::nullopt;
-    decoded += static_cast<char>(static_cast<unsigned char>(*high * 16 + *low));
+    const std::optional<char> byte = ByteOf(text.substr(i + 1, 2));
+    if (!byte) return std::nullopt;
+    decoded += *byte;
     i += 2;
   }
   return decoded;

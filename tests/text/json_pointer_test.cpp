@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tree/json_pointer.h"
+#include "text/json_pointer.h"
 
 #include <gtest/gtest.h>
 
@@ -68,6 +68,19 @@ TEST_F(JsonPointer, LeadsNowhereWhenItIsNone) {
     EXPECT_EQ(At(pointer), "nowhere") << pointer;
   }
   EXPECT_EQ(At(std::string_view("/01\0", 4)), "nowhere");
+}
+
+TEST(StepsOfPointers, HaveNamesEscaped) {
+  std::string pointer = "/a";
+  AppendStep("~1/0", &pointer);
+  EXPECT_EQ(pointer, "/a/~01~10");
+  AppendStep("", &pointer);
+  EXPECT_EQ(pointer, "/a/~01~10/");
+  EXPECT_EQ(ChildPointer("/a", "~/"), "/a/~0~1");
+  EXPECT_EQ(NameOfStep("~01~10"), "~1/0");
+  EXPECT_EQ(NameOfStep(""), "");
+  EXPECT_EQ(NameOfStep("~"), std::nullopt);
+  EXPECT_EQ(NameOfStep("~2"), std::nullopt);
 }
 
 TEST(PercentDecoding, ReplacesDigitsByTheirByte) {
