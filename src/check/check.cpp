@@ -26,12 +26,10 @@ namespace ostrafel {
 namespace {
 
 constexpr std::array kRulesOfDocuments = {
-    CheckLoadRulesIn, CheckStoreRulesIn,  CheckKeyRulesIn,
-    CheckLinkRulesIn, CheckUpdateRulesIn, CheckRedfishRulesIn,
+    CheckLoadRulesIn, CheckStoreRulesIn, CheckKeyRulesIn, CheckLinkRulesIn, CheckRedfishRulesIn,
 };
 constexpr std::array kRulesOfTrees = {
-    CheckLoadRules, CheckStoreRules,  CheckKeyRules,
-    CheckLinkRules, CheckUpdateRules, CheckRedfishRules,
+    CheckLoadRules, CheckStoreRules, CheckKeyRules, CheckUpdateRules, CheckRedfishRules,
 };
 
 // Calls take with each place of the findings that is to be located.

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "check/quoted.h"
 #include "check/uncontested_nodes.h"
 
 namespace ostrafel {
@@ -60,7 +61,7 @@ Finding FindingOf(const Clash& clash, Place place, const std::string& key) {
   return {RuleId::kLoadKeyType,
           std::move(place),
           key,
-          second + " is stored under " + key + ", where " + first +
+          second + " is stored under " + Quoted(key) + ", where " + first +
               " is stored as well, which the store refuses, so that the load fails or loses values",
           {{*clash.first, first + " that is stored there"}}};
 }

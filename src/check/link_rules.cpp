@@ -100,6 +100,4 @@ void CheckLinkRulesIn(const Survey& survey, const Subject& subject, Findings* fi
   }
 }
 
-void CheckLinkRules(const Survey& /*survey*/, Findings* /*findings*/) {}
-
 }  // namespace ostrafel

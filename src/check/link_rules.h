@@ -13,9 +13,6 @@ namespace ostrafel {
 /// Appends what the rules of the family find in one document.
 void CheckLinkRulesIn(const Survey& survey, const Subject& subject, Findings* findings);
 
-/// Appends what they find in the tree as a whole.
-void CheckLinkRules(const Survey& survey, Findings* findings);
-
 }  // namespace ostrafel
 
 #endif  // OSTRAFEL_CHECK_LINK_RULES_H_

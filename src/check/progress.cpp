@@ -7,18 +7,13 @@
 #include <cstdio>
 #include <string>
 
+#include "check/grouped.h"
+
 namespace ostrafel {
 
 namespace {
 
 constexpr auto kInterval = std::chrono::milliseconds(100);
-
-// The digits in groups of three.
-std::string Grouped(std::size_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t end = text.size(); end > 3;) text.insert(end -= 3, ",");
-  return text;
-}
 
 }  // namespace
 

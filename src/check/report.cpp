@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "check/grouped.h"
+
 namespace ostrafel {
 
 namespace {
@@ -25,9 +27,7 @@ std::size_t RestStart(const CheckOptions& options, const std::string& path) {
 
 // "1 file", "7,321 files".
 std::string Counted(std::size_t count, const std::string& noun) {
-  std::string digits = std::to_string(count);
-  for (std::size_t i = digits.size(); i > 3; i -= 3) digits.insert(i - 3, ",");
-  return digits + " " + noun + (count == 1 ? "" : "s");
+  return Grouped(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 }  // namespace

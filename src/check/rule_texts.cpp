@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <sstream>
 
+#include "text/position_counter.h"
+
 namespace ostrafel {
 
 namespace {
@@ -15,9 +17,8 @@ constexpr std::size_t kColumns = 80;
 
 // Of a text in UTF-8, each byte that continues no character.
 std::size_t WidthOf(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-  }));
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char byte) { return !ContinuesCharacter(byte); }));
 }
 
 std::string Padded(const std::string& text, std::size_t width) {

@@ -115,10 +115,6 @@ bool IsFailing(const Outline& outline) {
   return last_member != 0 && fails;
 }
 
-bool ClaimsKey(const Outline& outline, std::size_t node) {
-  return node == 0 || outline[node].has_own_id;
-}
-
 // Adds what the file claims, less what an object that comes too late holds.
 // What comes after an "@odata.id" that is no string, up to the next member of the root, is not
 // written and claims nothing.
@@ -155,15 +151,6 @@ void AddFile(std::size_t file, Survey* survey) {
   } else {
     survey->unread_keys.insert(survey->files.back().key);
   }
-}
-
-// True when nobody claims the node's key before the node.
-bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node) {
-  const auto found = survey.claims.find(subject.outline[node].key);
-  // An object within one that comes too late claims nothing, and is not found as the first.
-  if (found == survey.claims.end()) return false;
-  const Claim& first = found->second.front();
-  return first.file == subject.file && first.pointer == PointerOf(subject.outline, node);
 }
 
 // The key that the file at path would go to, if the walk had taken it.
@@ -225,6 +212,18 @@ std::optional<Subject> ReadSubject(const Survey& survey, std::size_t file) {
   const auto claims = survey.claims.find(tree_file.key);
   subject.is_stored = claims == survey.claims.end() || claims->second.front().file == file;
   return subject;
+}
+
+bool ClaimsKey(const Outline& outline, std::size_t node) {
+  return node == 0 || outline[node].has_own_id;
+}
+
+bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node) {
+  const auto found = survey.claims.find(subject.outline[node].key);
+  // An object within one that comes too late claims nothing, and is not found as the first.
+  if (found == survey.claims.end()) return false;
+  const Claim& first = found->second.front();
+  return first.file == subject.file && first.pointer == PointerOf(subject.outline, node);
 }
 
 bool IsStored(const Survey& survey, const Subject& subject, std::size_t node) {

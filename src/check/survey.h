@@ -91,6 +91,13 @@ struct Subject {
 /// Reads a document once more; nothing unless the file's end is kDone.
 [[nodiscard]] std::optional<Subject> ReadSubject(const Survey& survey, std::size_t file);
 
+/// True when a node writes its members to a key of its own: the root, and an object that says its
+/// key.
+[[nodiscard]] bool ClaimsKey(const Outline& outline, std::size_t node);
+
+/// True when nobody claims the key of a node, for which ClaimsKey holds, before the node does.
+[[nodiscard]] bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node);
+
 /// True when the members of a node, an object, are stored, as far as claims go: neither it nor an
 /// object around it has a key that another claims before.
 [[nodiscard]] bool IsStored(const Survey& survey, const Subject& subject, std::size_t node);

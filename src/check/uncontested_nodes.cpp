@@ -9,12 +9,10 @@ namespace ostrafel {
 
 namespace {
 
-// True when nobody claims the key of the node, which has one of its own, before the node does.
-bool IsFirstClaim(const Survey& survey, const Subject& subject, std::size_t node) {
-  const auto found = survey.claims.find(subject.outline[node].key);
-  if (found == survey.claims.end()) return true;
-  const Claim& first = found->second.front();
-  return first.file == subject.file && first.pointer == PointerOf(subject.outline, node);
+// True when nobody else writes the members of the node: an object that is given up claims nothing.
+bool IsUncontested(const Survey& survey, const Subject& subject, std::size_t node) {
+  return !ClaimsKey(subject.outline, node) || IsFirstClaim(survey, subject, node) ||
+         survey.claims.count(subject.outline[node].key) == 0;
 }
 
 }  // namespace
@@ -23,9 +21,8 @@ std::vector<bool> UncontestedNodes(const Survey& survey, const Subject& subject)
   const Outline& outline = subject.outline;
   std::vector<bool> stored(outline.size());
   for (std::size_t i = 0; i < outline.size(); ++i) {
-    const bool has_own_key = i == 0 || outline[i].has_own_id;
     const bool is_around = i == 0 || stored[outline[i].parent];
-    stored[i] = is_around && (!has_own_key || IsFirstClaim(survey, subject, i));
+    stored[i] = is_around && IsUncontested(survey, subject, i);
   }
   return stored;
 }

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "check/quoted.h"
 #include "layout/layout.h"
 #include "memory/glob.h"
 
@@ -158,8 +159,6 @@ bool IsKeyRemover(const Survey& survey, const Remover& remover, bool is_below) {
   if (list == nullptr) return remover.kind != NodeKind::kObject;
   return !is_below || IsReferenceRecord(list->front());
 }
-
-std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
 // Of a record that is lost since remover, of that name, goes by what the record reads.
 Reason ReasonBeside(const Loss& loss, const std::string& name, const Remover& remover) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "check/grouped.h"
 #include "check/update_losses.h"
 #include "check/update_reasons.h"
 
@@ -29,13 +30,6 @@ const char* NounOf(const Loss& loss) {
       break;
   }
   return "object";
-}
-
-// number in decimal, its digits in groups of three.
-std::string Grouped(std::uint64_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
-  return text;
 }
 
 // True when the loss follows from a key that is to be a hash and a list, which is a finding of its
@@ -74,9 +68,6 @@ void CheckSearches(const Survey& survey, Findings* findings) {
 }
 
 }  // namespace
-
-void CheckUpdateRulesIn(const Survey& /*survey*/, const Subject& /*subject*/,
-                        Findings* /*findings*/) {}
 
 void CheckUpdateRules(const Survey& survey, Findings* findings) {
   CheckLosses(survey, findings);

@@ -10,10 +10,7 @@
 
 namespace ostrafel {
 
-/// Appends what the rules of the family find in one document.
-void CheckUpdateRulesIn(const Survey& survey, const Subject& subject, Findings* findings);
-
-/// Appends what they find in the tree as a whole.
+/// Appends what the rules of the family find in the tree as a whole.
 void CheckUpdateRules(const Survey& survey, Findings* findings);
 
 }  // namespace ostrafel

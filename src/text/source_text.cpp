@@ -8,13 +8,13 @@
 #include <utility>
 #include <vector>
 
+#include "text/position_counter.h"
 #include "text/utf8.h"
 
 namespace ostrafel {
 
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kEllipsis = "…";
 
 // A character of a line.
@@ -163,8 +163,7 @@ std::string TextOf(const Cells& cells) {
 
 SourceText::SourceText(std::string text)
     : text_(std::move(text)),
-      start_(text_.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0 ? kByteOrderMark.size()
-                                                                          : 0),
+      start_(text_.size() - WithoutByteOrderMark(text_).size()),
       line_start_(start_),
       offset_(start_) {}
 
