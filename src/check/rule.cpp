@@ -64,8 +64,9 @@ const std::vector<Rule>& Rules() {
        "a key that would be a hash and a list",
        "The store keeps an object as a hash and an array as a list, and a key can hold "
        "only one of them. Here both have the same key, as {\"A/B\": {...}, \"A\": {\"B\": "
-       "[...]}} has, or an object in a file beside a folder of the same name. The store "
-       "refuses one of them, and what was sent together with it may be lost as well.\n"
+       "[...]}} has, or as members of an object and of a folder with the same name may have. "
+       "The store refuses one of them, and what was sent together with it may be lost as "
+       "well.\n"
        "Rename one of the members, or remove one."},
       {RuleId::kLoadLostMember, "load-lost-member", Level::kError, true,
        "a member that is not stored although the load succeeds",
@@ -76,7 +77,6 @@ const std::vector<Rule>& Rules() {
        "replaces it; two arrays have the same key and are stored as one list.\n"
        "Mend what the sentence and the related place name."},
       {RuleId::kLoadNothing, "load-nothing", Level::kWarning, true, "no file of the name anywhere",
-
        "No file of the name that the load looks for (index.json unless another one is "
        "given) is in the folder or below it. The loader takes this for success; a create "
        "has then removed what was stored and put nothing in its place. Only names that "
@@ -191,56 +191,64 @@ const std::vector<Rule>& Rules() {
        "\"A\" removes the links of a member \"A B\", and of two values with one key the later "
        "removes the earlier. What this run had sent before is lost; a load sends what waits "
        "after each 2,000 records, so a small change elsewhere decides what is hit. Create loads "
-       "such a tree as it is. Rename one of the values, or load with create."},
+       "such a tree as it is.\n"
+       "Rename one of the values, or load with create."},
       {RuleId::kUpdateSlow, "update-slow", Level::kNote, true,
        "arrays whose update searches all keys",
        "Before an update writes an array that held objects, arrays or links, it asks the server "
        "for all keys below the array. Redis looks at each of its keys for that, those of other "
        "trees included, so the time grows with the number of such arrays times the number of "
-       "keys. Nothing is wrong with the tree. Where it matters, load with create, which searches "
+       "keys.\n"
+       "Nothing is wrong with the tree. Where it matters, load with create, which searches "
        "three times in all."},
       {RuleId::kRedfishCount, "redfish-count", Level::kWarning, true,
        "a Members@odata.count that is not the number of Members",
        "\"Members@odata.count\" says how many members a collection has; clients trust it and "
        "read past the end, or not to the end. It must be an integer, and the size of the array "
        "\"Members\" beside it; larger only when \"Members@odata.nextLink\" names a document with "
-       "more of them."},
+       "more of them.\n"
+       "Correct the count, or the members."},
       {RuleId::kRedfishNotMember, "redfish-not-member", Level::kWarning, true,
        "a folder below a collection that is not among its Members",
        "The file lies in a folder directly below that of a collection, but the collection's "
        "\"Members\" link neither to its key nor to the key of its folder: clients that walk the "
-       "collection do not find it. Add the link, and correct the count, or remove the folder."},
+       "collection do not find it.\n"
+       "Add the link, and correct the count, or remove the folder."},
       {RuleId::kRedfishOrphan, "redfish-orphan", Level::kNote, true,
        "a resource that no other file refers to",
        "No link and no other string in any other file leads to the resource, so clients, which "
-       "go from link to link, do not find it. Link to it, or remove it. The root of the tree and "
-       "OData's service document need no link. When files cannot be read, a resource is judged "
-       "only where the file of the folder above could be: the link may be in one of the others."},
+       "go from link to link, do not find it. The root of the tree and OData's service document "
+       "need no link. When files cannot be read, a resource is judged only where the file of the "
+       "folder above could be: the link may be in one of the others.\n"
+       "Link to it, or remove it."},
       {RuleId::kRedfishMemberId, "redfish-member-id", Level::kNote, true,
        "a member whose \"#/...\" id is not its place",
        "An object within a resource is named by the resource's key, \"#\" and the JSON pointer "
        "to the object, such as \"/redfish/v1/Chassis/1/Power#/PowerSupplies/0\". This one names "
        "another place, mostly since it was copied or its array was reordered. The object is "
        "stored under the name that it gives, so a wrong one can also collide with the object "
-       "that the name belongs to."},
+       "that the name belongs to.\n"
+       "Write the key of the resource, \"#\" and the place where the object stands."},
       {RuleId::kRedfishActionTarget, "redfish-action-target", Level::kNote, true,
        "an action whose target is not its resource's",
        "Clients post an action to its \"target\": the key of the resource, \"/Actions/\" and the "
        "name of the action without \"#\"; below \"Oem\", \"/Actions/Oem/\" and the name. Another "
        "target mostly belongs to the resource that this one was copied from, and would act on "
-       "that."},
+       "that.\n"
+       "Write the target that the sentence names."},
       {RuleId::kRedfishErrorBody, "redfish-error-body", Level::kWarning, true,
        "an error response in place of a resource",
        "The file holds an \"error\" with a code, a message or extended information and no "
        "\"@odata.id\": what a service answers to a request that failed. Tools that copy a "
-       "service write such files when they may not read a resource. Fetch the resource again, or "
-       "remove the file and what links to it."},
+       "service write such files when they may not read a resource.\n"
+       "Fetch the resource again, or remove the file and what links to it."},
       {RuleId::kRedfishRequired, "redfish-required", Level::kWarning, false,
        R"(a resource without "@odata.id", "@odata.type", Id or Name)",
        "Each resource has \"@odata.id\", \"@odata.type\", \"Id\" and \"Name\", and clients rely "
        "on them; a collection has no \"Id\". The rule is off unless it is selected: trees that are "
-       "merged into others, or "
-       "completed by the service that reads the store, need not have them."},
+       "merged into others, or completed by the service that reads the store, need not have "
+       "them.\n"
+       "Add what the sentence names."},
   };
   return rules;
 }
