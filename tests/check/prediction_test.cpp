@@ -168,7 +168,9 @@ TEST_F(RandomTrees, WithFaults) {
   for (std::uint64_t seed = 0; seed < 60 * TestFactor(); ++seed) {
     std::mt19937_64 generator(9600000 + seed);
     model::Tree random_tree = model::RandomTree(generator, options);
-    if (seed % 6 == 0) random_tree.back().document = broken[seed / 6 % broken.size()];
+    if (seed % 6 == 0) {
+      random_tree.back().document = broken[static_cast<std::size_t>(seed / 6 % broken.size())];
+    }
     ASSERT_NO_FATAL_FAILURE(ExpectPredicted(options, std::move(random_tree))) << seed;
   }
   EXPECT_GT(successes, 10U);
