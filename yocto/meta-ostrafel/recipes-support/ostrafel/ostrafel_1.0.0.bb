@@ -17,7 +17,7 @@ OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};
 # SRCREV says what is built, wherever that comes from: the place stays out of the tasks' signatures.
 OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "63e5fbd8adcb19ecc1996cc9b39a358921e21808"
+SRCREV = "b5e396a0b05d409336bf5c9d04108dabbf1f6b5b"
 
 # Where UNPACKDIR has no value, as in the first release of scarthgap, WORKDIR is unpacked into.
 UNPACKDIR ??= "${WORKDIR}"
