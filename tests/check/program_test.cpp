@@ -296,16 +296,17 @@ class CheckOnATerminal : public CheckProgram {
     options.in_child = [] {
       (void)dup2(open(Terminal::name.data(), O_RDWR | O_NOCTTY), STDERR_FILENO);
     };
-    // The program may open the pipe from the start, and meets its end when the second is over.
-    options.on_start =
-        [this, pipe = open(Path("www/pipe").c_str(), O_RDWR | O_CLOEXEC)](int /*process_id*/) {
-          writer = std::thread([this, pipe] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1200));
-            EXPECT_EQ(write(pipe, R"({"A": 1})", 8), 8);
-            EXPECT_EQ(rename(Path("www/file").c_str(), Path("www/pipe").c_str()), 0);
-            EXPECT_EQ(close(pipe), 0);
-          });
-        };
+    // The program opens the pipe when it has begun, however long that takes, and meets the end of
+    // what is written when more than the second is over.
+    options.on_start = [this](int /*process_id*/) {
+      writer = std::thread([this] {
+        const int pipe = open(Path("www/pipe").c_str(), O_WRONLY | O_CLOEXEC);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+        EXPECT_EQ(write(pipe, R"({"A": 1})", 8), 8);
+        EXPECT_EQ(rename(Path("www/file").c_str(), Path("www/pipe").c_str()), 0);
+        EXPECT_EQ(close(pipe), 0);
+      });
+    };
   }
 
   Finished Check(const Words& more) {
