@@ -44,10 +44,9 @@ TEST_F(GithubReports, HaveWhatIsRelatedInTheMessage) {
 TEST_F(GithubReports, EndWithUnusedEntriesAndTheSummary) {
   options.quiet = false;
   report.unused_entries = {{"key-glob", "a%", "/B", 7}};
-  EXPECT_EQ(
-      GithubReport(options, report),
-      "::notice title=baseline::nothing is accepted by this entry: key-glob\ta%25\t/B\n" +
-          SummaryLine(report) + "\n");
+  EXPECT_EQ(GithubReport(options, report),
+            "::notice title=baseline::nothing is accepted by this entry: key-glob\ta%25\t/B\n" +
+                SummaryLine(report) + "\n");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -349,8 +350,17 @@ class CheckInColors : public CheckProgram {
                     const std::vector<std::pair<std::string, std::string>>& environment = {}) {
     const Terminal terminal;
     RunOptions options;
-    options.environment = {{"NO_COLOR", ""}, {"TERM", "xterm"}};
-    options.environment.insert(options.environment.begin(), environment.begin(), environment.end());
+    // Each once: which of two counts is for the emulator or the system to say.
+    options.environment = environment;
+    const auto is_given = [&](const auto& variable) {
+      return std::any_of(environment.begin(), environment.end(),
+                         [&](const auto& given) { return given.first == variable.first; });
+    };
+    const std::vector<std::pair<std::string, std::string>> defaults = {{"NO_COLOR", ""},
+                                                                       {"TERM", "xterm"}};
+    for (const auto& variable : defaults) {
+      if (!is_given(variable)) options.environment.push_back(variable);
+    }
     if (on_terminal) {
       options.in_child = [] {
         (void)dup2(open(Terminal::name.data(), O_RDWR | O_NOCTTY), STDOUT_FILENO);
