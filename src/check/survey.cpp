@@ -101,20 +101,6 @@ TreeFile FileOf(const LoadList& list, std::size_t file, const Resource& resource
   return result;
 }
 
-// True when the last member of the root cannot be written, which makes the load fail.
-bool IsFailing(const Outline& outline) {
-  std::size_t last_member = 0;
-  bool fails = false;
-  for (std::size_t i = 1; i < outline.size(); ++i) {
-    if (outline[i].parent == 0) {
-      last_member = i;
-      fails = false;
-    }
-    if (outline[i].kind == NodeKind::kBadId) fails = true;
-  }
-  return last_member != 0 && fails;
-}
-
 // Adds what the file claims, less what an object that comes too late holds.
 // What comes after an "@odata.id" that is no string, up to the next member of the root, is not
 // written and claims nothing.
@@ -208,7 +194,6 @@ std::optional<Subject> ReadSubject(const Survey& survey, std::size_t file) {
   IncludeInResource(&resource);
   subject.root = std::move(resource.file.root);
   subject.outline = OutlineOf(subject.root.get(), tree_file.key);
-  subject.is_failing = IsFailing(subject.outline);
   const auto claims = survey.claims.find(tree_file.key);
   subject.is_stored = claims == survey.claims.end() || claims->second.front().file == file;
   return subject;

@@ -84,8 +84,6 @@ struct Subject {
   Document root;      ///< As it is written: with the included members.
   Outline outline;    ///< Of root.
   bool is_stored = true;  ///< False when another claims the key first: no member is stored.
-  bool is_failing =
-      false;  ///< The load ends at this file, since its last member cannot be written.
 };
 
 /// Reads a document once more; nothing unless the file's end is kDone.
