@@ -3,8 +3,6 @@
 
 #include "check/key_rules.h"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -12,10 +10,9 @@
 #include "check/key_case.h"
 #include "check/key_characters.h"
 #include "check/quoted.h"
-#include "layout/layout.h"
+#include "check/removal.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
-#include "memory/glob.h"
 #include "text/json_pointer.h"
 
 namespace ostrafel {
@@ -79,20 +76,6 @@ void CheckPath(const TreeFile& file, Findings* findings) {
                        resource.key,
                        std::move(sentence)});
 }
-
-// What a create of the URI removes.
-class Removal {
- public:
-  explicit Removal(const std::string& uri) : patterns_(TreePatterns(uri)) {}
-
-  [[nodiscard]] bool Takes(const std::string& key) const {
-    return std::any_of(patterns_.begin(), patterns_.end(),
-                       [&](const std::string& pattern) { return MatchesGlob(pattern, key); });
-  }
-
- private:
-  std::array<std::string, 3> patterns_;
-};
 
 bool IsInStore(const Survey& survey, const std::string& key) {
   return survey.store.keys.find(key) != survey.store.keys.end();

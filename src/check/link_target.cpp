@@ -4,16 +4,14 @@
 #include "check/link_target.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string_view>
 #include <utility>
 
 #include "check/quoted.h"
-#include "layout/layout.h"
+#include "check/removal.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
-#include "memory/glob.h"
 #include "text/json_pointer.h"
 
 namespace ostrafel {
@@ -39,10 +37,7 @@ Target Split(const std::string& text, HasQuery has_query) {
 }
 
 bool IsInTree(const Survey& survey, const std::string& key) {
-  if (survey.request.uri.empty()) return true;
-  const std::array<std::string, 3> patterns = TreePatterns(survey.request.uri);
-  return std::any_of(patterns.begin(), patterns.end(),
-                     [&](const std::string& pattern) { return MatchesGlob(pattern, key); });
+  return survey.request.uri.empty() || Removal(survey.request.uri).Takes(key);
 }
 
 // The key that differs from this one by a slash at the end only; empty when there is none.
