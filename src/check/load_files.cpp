@@ -70,11 +70,8 @@ void CheckPaths(const Listing& listing, Findings* findings) {
 // True when a path that could not be looked at may be a file that the load would take.
 bool MayHideFiles(const Survey& survey) {
   const auto& problems = survey.listing.problems;
-  return std::any_of(problems.begin(), problems.end(), [&](const auto& problem) {
-    const auto ignore = [](PathProblem, const std::string&) {};
-    return FileNameEquals(problem.second, survey.request.file_name, ignore) ||
-           FileNameEquals(problem.second, ".", ignore);
-  });
+  return std::any_of(problems.begin(), problems.end(),
+                     [&](const auto& problem) { return MayHideFile(survey, problem.second); });
 }
 
 void AddNothingFinding(const std::string& message, Findings* findings) {

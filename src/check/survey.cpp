@@ -154,11 +154,8 @@ std::string ListedKeyOf(const LoadRequest& request, const std::string& path) {
 // Adds the keys of files that the walk passed over: they cannot be looked at, or their folder
 // cannot.
 void AddUnreadKeys(Survey* survey) {
-  const auto ignore = [](PathProblem, const std::string&) {};
   for (const auto& [problem, path] : survey->listing.problems) {
-    if (problem == PathProblem::kNotChecked &&
-        (FileNameEquals(path, survey->request.file_name, ignore) ||
-         FileNameEquals(path, ".", ignore))) {
+    if (problem == PathProblem::kNotChecked && MayHideFile(*survey, path)) {
       survey->unread_keys.insert(ListedKeyOf(survey->request, path));
     }
   }
@@ -249,6 +246,12 @@ Place PlaceOf(const Survey& survey, const Claim& claim) {
   const TreeFile& file = survey.files[claim.file];
   if (!claim.pointer.empty()) return {file.text_path, ChildPointer(claim.pointer, IdMember)};
   return {file.path, file.has_id ? ChildPointer("", IdMember) : ""};
+}
+
+bool MayHideFile(const Survey& survey, const std::string& path) {
+  const auto ignore = [](PathProblem, const std::string&) {};
+  return FileNameEquals(path, survey.request.file_name, ignore) ||
+         FileNameEquals(path, ".", ignore);
 }
 
 bool IsKey(const Survey& survey, const std::string& key) {

@@ -115,6 +115,10 @@ struct Subject {
 /// The place of a claim: its "@odata.id", or the root when the file has none.
 [[nodiscard]] Place PlaceOf(const Survey& survey, const Claim& claim);
 
+/// True when a path that could not be looked at may hide a file that the load would take: the file
+/// itself, or all of a folder.
+[[nodiscard]] bool MayHideFile(const Survey& survey, const std::string& path);
+
 /// True when a create of the tree stores something at key, or a file that could not be read might.
 [[nodiscard]] bool IsKey(const Survey& survey, const std::string& key);
 
