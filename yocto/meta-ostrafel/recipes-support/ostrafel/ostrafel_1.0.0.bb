@@ -17,7 +17,7 @@ OSTRAFEL_GIT ?= "${@os.path.realpath(d.getVar('OSTRAFEL_LAYERDIR') + '/../..')};
 # SRCREV says what is built, wherever that comes from: the place stays out of the tasks' signatures.
 OSTRAFEL_GIT[vardepvalue] = ""
 SRC_URI = "git://${OSTRAFEL_GIT};destsuffix=${BP}"
-SRCREV = "b5e396a0b05d409336bf5c9d04108dabbf1f6b5b"
+SRCREV = "b8a863ed230d9bc0687c50e25b0a7888d0f13397"
 
 # Where UNPACKDIR has no value, as in the first release of scarthgap, WORKDIR is unpacked into.
 UNPACKDIR ??= "${WORKDIR}"
