@@ -13,9 +13,9 @@
 #include <utility>
 
 #include "base/files.h"
-#include "base/message.h"
 #include "check/report.h"
 #include "text/utf8.h"
+#include "tool/tool.h"
 
 namespace ostrafel {
 
@@ -117,7 +117,7 @@ std::optional<std::vector<BaselineEntry>> ParseEntries(const std::string& path,
     entry.line = number;
     const std::string fault = ParseEntry(line, &entry);
     if (!fault.empty()) {
-      PrintMessage("ostrafel-check: %s:%zu: %s\n", path.c_str(), number, fault.c_str());
+      PrintTrouble(path + ":" + std::to_string(number) + ": " + fault);
       return std::nullopt;
     }
     entries.push_back(std::move(entry));
@@ -126,9 +126,7 @@ std::optional<std::vector<BaselineEntry>> ParseEntries(const std::string& path,
 }
 
 // Says why something could not be done with a file.
-void PrintTrouble(const std::string& path) {
-  PrintMessage("ostrafel-check: %s: %s\n", path.c_str(), std::strerror(errno));
-}
+void PrintFileTrouble(const std::string& path) { PrintTrouble(path + ": " + std::strerror(errno)); }
 
 // All bytes of a file, or nothing when they cannot be read.
 std::optional<std::string> ReadWhole(const std::string& path) {
@@ -164,7 +162,7 @@ std::string BaselineLine(const BaselineEntry& entry) {
 std::optional<std::vector<BaselineEntry>> ReadBaseline(const std::string& path) {
   const std::optional<std::string> text = ReadWhole(path);
   if (!text) {
-    PrintTrouble(path);
+    PrintFileTrouble(path);
     return std::nullopt;
   }
   return ParseEntries(path, *text);
@@ -197,7 +195,7 @@ bool WriteBaseline(const CheckOptions& options, const std::string& path, const F
     text += BaselineLine({rule, file, pointer}) + "\n";
   }
   if (WriteWhole(path, text)) return true;
-  PrintTrouble(path);
+  PrintFileTrouble(path);
   return false;
 }
 

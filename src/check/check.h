@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "check/finding.h"
-#include "check/progress.h"
 #include "check/survey.h"
+#include "tool/progress.h"
 
 namespace ostrafel {
 

@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "check/quoted.h"
 #include "layout/resource_id.h"
 #include "text/json_pointer.h"
+#include "tool/quoted.h"
 
 namespace ostrafel {
 

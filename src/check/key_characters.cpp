@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "check/quoted.h"
+#include "tool/quoted.h"
 
 namespace ostrafel {
 

@@ -9,11 +9,11 @@
 
 #include "check/key_case.h"
 #include "check/key_characters.h"
-#include "check/quoted.h"
 #include "check/removal.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
 #include "text/json_pointer.h"
+#include "tool/quoted.h"
 
 namespace ostrafel {
 

@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "check/quoted.h"
 #include "check/uncontested_nodes.h"
+#include "tool/quoted.h"
 
 namespace ostrafel {
 

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <utility>
 
-#include "check/quoted.h"
 #include "check/removal.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
 #include "text/json_pointer.h"
+#include "tool/quoted.h"
 
 namespace ostrafel {
 

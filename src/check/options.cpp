@@ -6,19 +6,15 @@
 #include <getopt.h>
 
 #include <array>
-#include <cstddef>
 
-#include "base/message.h"
-#include "check/output.h"
 #include "check/rule_choice.h"
 #include "check/rule_texts.h"
 #include "check/usage.h"
+#include "tool/command_line.h"
 
 namespace ostrafel {
 
 namespace {
-
-constexpr int kTrouble = 2;
 
 // What getopt_long returns for options that have no short form.
 enum LongOption {
@@ -54,12 +50,6 @@ constexpr std::array<option, 15> kOptions = {{
     {nullptr, 0, nullptr, 0},
 }};
 
-template <typename Value>
-struct Word {
-  const char* text;
-  Value value;
-};
-
 constexpr std::array<Word<Format>, 4> kFormats = {{{"text", Format::kText},
                                                    {"json", Format::kJson},
                                                    {"sarif", Format::kSarif},
@@ -76,59 +66,16 @@ struct State {
   std::vector<bool> ignored = std::vector<bool>(Rules().size());
 };
 
-// A status to end with, or nothing to go on.
-using Step = std::optional<int>;
-
-Step Refuse() {
-  PrintMessage("Try 'ostrafel-check --help' for more information.\n");
-  return kTrouble;
-}
-
-Step Answer(const std::string& text) { return WriteOutput(text) ? 0 : kTrouble; }
-
-template <typename Words, typename Value>
-Step TakeWord(const char* name, const Words& words, const std::string& text, Value* value) {
-  std::string known;
-  for (const auto& word : words) {
-    if (text == word.text) {
-      *value = word.value;
-      return std::nullopt;
-    }
-    known += std::string(known.empty() ? "" : ", ") + word.text;
-  }
-  PrintMessage("ostrafel-check: --%s knows no '%s', only %s\n", name, text.c_str(), known.c_str());
-  return Refuse();
-}
-
-template <typename Name>
-Step TakeName(const char* name, const std::string& text, Name* value) {
-  if (text.empty()) {
-    PrintMessage("ostrafel-check: --%s needs a name that is not empty\n", name);
-    return Refuse();
-  }
-  *value = text;
-  return std::nullopt;
-}
-
-Step TakeFolder(const char* name, const std::string& text, std::string* folder) {
-  const Step step = TakeName(name, text, folder);
-  if (!step && folder->back() != '/') *folder += '/';
-  return step;
-}
-
 Step TakeRules(const char* name, const std::string& list, std::vector<bool>* chosen) {
   const std::optional<std::string> unknown = ChooseRules(list, chosen);
   if (!unknown) return std::nullopt;
-  PrintMessage("ostrafel-check: --%s: '%s' is no rule, and no rule's name begins so\n", name,
-               unknown->c_str());
-  return Refuse();
+  return RefuseLine("--" + std::string(name) + ": '" + *unknown +
+                    "' is no rule, and no rule's name begins so");
 }
 
 Step Explain(const std::string& name) {
   if (const Rule* rule = FindRule(name)) return Answer(RuleExplanation(*rule));
-  PrintMessage("ostrafel-check: --explain: '%s' is no rule; --list-rules names them\n",
-               name.c_str());
-  return Refuse();
+  return RefuseLine("--explain: '" + name + "' is no rule; --list-rules names them");
 }
 
 // The options that only set something; text is empty for those without an argument.
@@ -136,16 +83,16 @@ Step TakeSetting(int letter, const std::string& text, State* state) {
   CheckOptions& options = state->options;
   switch (letter) {
     case kWww:
-      return TakeFolder("www", text, &options.www);
+      return TakeIncludeFolder(text, &options);
     case kSelect:
       if (!state->selected) state->selected.emplace(Rules().size());
       return TakeRules("select", text, &*state->selected);
     case kIgnore:
       return TakeRules("ignore", text, &state->ignored);
     case kBaseline:
-      return TakeName("baseline", text, &options.baseline);
+      return TakeFile("baseline", text, &options.baseline);
     case kWriteBaseline:
-      return TakeName("write-baseline", text, &options.write_baseline);
+      return TakeFile("write-baseline", text, &options.write_baseline);
     case kFailOn:
       return TakeWord("fail-on", kLevels, text, &options.fail_on);
     case kFormat:
@@ -155,15 +102,13 @@ Step TakeSetting(int letter, const std::string& text, State* state) {
     case kPrintStore:
       options.print_store = true;
       return std::nullopt;
-    case 'q':
+    default:  // 'q'
       options.quiet = true;
       return std::nullopt;
-    default:
-      return Refuse();  // getopt_long has said what is wrong
   }
 }
 
-Step TakeOption(int letter, const std::string& text, State* state) {
+Step TakeLetter(int letter, const std::string& text, State* state) {
   switch (letter) {
     case kListRules:
       return Answer(RuleList());
@@ -178,25 +123,6 @@ Step TakeOption(int letter, const std::string& text, State* state) {
   }
 }
 
-Step TakeArguments(const std::vector<std::string>& arguments, CheckOptions* options) {
-  if (arguments.empty()) {
-    PrintMessage("ostrafel-check: no StaticDataPath is given\n");
-    return Refuse();
-  }
-  if (arguments.size() > 3) {
-    PrintMessage("ostrafel-check: one argument too many: '%s'\n", arguments[3].c_str());
-    return Refuse();
-  }
-  if (arguments[0].empty() || (arguments.size() > 1 && arguments[1].empty())) {
-    PrintMessage("ostrafel-check: StaticDataPath and URI must not be empty\n");
-    return Refuse();
-  }
-  options->static_data_path = arguments[0];
-  if (arguments.size() > 1) options->uri = arguments[1];
-  if (arguments.size() > 2 && !arguments[2].empty()) options->file_name = arguments[2];
-  return std::nullopt;
-}
-
 std::vector<bool> RulesThatAreOn(const State& state) {
   std::vector<bool> is_on = state.selected.value_or(DefaultRules());
   for (std::size_t i = 0; i < is_on.size(); ++i) {
@@ -208,22 +134,13 @@ std::vector<bool> RulesThatAreOn(const State& state) {
 }  // namespace
 
 CommandLine ParseCommandLine(int argc, char** argv) {
-  // getopt_long names the program in its messages as the first word does, which may be a path.
-  std::string name = "ostrafel-check";
-  std::vector<char*> words = {name.data()};
-  for (int i = 1; i < argc; ++i) words.push_back(argv[i]);
-  const int count = static_cast<int>(words.size());
-  words.push_back(nullptr);
   State state;
-  optind = 0;  // begins afresh
-  for (int letter = 0; letter != -1;) {
-    letter = getopt_long(count, words.data(), "hq", kOptions.data(), nullptr);
-    if (letter == -1) break;
-    const Step step = TakeOption(letter, optarg == nullptr ? "" : optarg, &state);
-    if (step) return {std::nullopt, *step};
-  }
-  const std::vector<std::string> arguments(words.begin() + optind, words.end() - 1);
-  const Step step = TakeArguments(arguments, &state.options);
+  std::vector<std::string> arguments;
+  const auto take = [&](int letter, const std::string& text) {
+    return TakeLetter(letter, text, &state);
+  };
+  Step step = ReadOptions(argc, argv, "hq", kOptions.data(), take, &arguments);
+  if (!step) step = TakeTreeArguments(arguments, 1, &state.options);
   if (step) return {std::nullopt, *step};
   state.options.is_on = RulesThatAreOn(state);
   return {state.options, 0};

@@ -10,17 +10,14 @@
 #include <vector>
 
 #include "check/rule.h"
+#include "tool/color.h"
+#include "tool/tree_arguments.h"
 
 namespace ostrafel {
 
 enum class Format { kText, kJson, kSarif, kGithub };
-enum class Color { kAuto, kAlways, kNever };
 
-struct CheckOptions {
-  std::string static_data_path;  ///< As typed.
-  std::string uri = "/redfish/v1";
-  std::string file_name = "index.json";
-  std::string www;  ///< With its last slash.
+struct CheckOptions : TreeArguments {
   Format format = Format::kText;
   Color color = Color::kAuto;
   std::vector<bool> is_on;  ///< For each rule, by its RuleId: is it looked for?

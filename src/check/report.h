@@ -29,14 +29,6 @@ struct Report {
 /// How many findings have that level.
 [[nodiscard]] std::size_t CountOf(const Report& report, Level level);
 
-/// The path less the StaticDataPath in front of it and the slashes between; unchanged when it is
-/// not below StaticDataPath.
-[[nodiscard]] std::string RelativePath(const CheckOptions& options, const std::string& path);
-
-/// The path as a person would open it: with one slash behind the StaticDataPath, however many that
-/// ends with. An empty path stands for StaticDataPath itself.
-[[nodiscard]] std::string ShownPath(const CheckOptions& options, const std::string& path);
-
 /// "271 files, 430 keys, 7,321 records: 5 errors, 12 warnings, 3 notes; create ends with status 0,
 /// update with 0", without a line end.
 [[nodiscard]] std::string SummaryLine(const Report& report);

@@ -3,17 +3,10 @@
 
 #include "check/run.h"
 
-#include <jansson.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
-#include <exception>
-#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,12 +14,14 @@
 #include "base/message.h"
 #include "check/check.h"
 #include "check/options.h"
-#include "check/output.h"
-#include "check/progress.h"
 #include "check/report.h"
 #include "check/survey.h"
 #include "document/json_file.h"
-#include "loading/static_data_walk.h"
+#include "tool/color.h"
+#include "tool/output.h"
+#include "tool/progress.h"
+#include "tool/tool.h"
+#include "tool/tree_arguments.h"
 
 namespace ostrafel {
 
@@ -34,49 +29,11 @@ namespace {
 
 constexpr int kNothingFound = 0;
 constexpr int kSomethingFound = 1;
-constexpr int kTrouble = 2;
-
-void PrintOutOfMemory() { PrintMessage("ostrafel-check: out of memory\n"); }
-
-// For jansson, which would tell that memory is short as an error in the file, and through which no
-// exception passes.
-void* AllocateOrEnd(std::size_t size) {
-  void* memory = std::malloc(size);
-  if (memory == nullptr) {
-    Messages.collector = nullptr;  // of a play, whose messages nobody will see
-    PrintOutOfMemory();
-    std::_Exit(kTrouble);
-  }
-  return memory;
-}
-
-LoadRequest RequestOf(const CheckOptions& options) {
-  return {LoadAction::kCreate, options.static_data_path, options.uri, options.file_name};
-}
-
-// Says why there is nothing at the path that the loader could take.
-int RefusePath(const std::string& path) {
-  struct stat status = {};
-  const bool exists = stat(path.c_str(), &status) == 0;
-  PrintMessage(
-      "ostrafel-check: %s: %s\n", path.c_str(),
-      exists ? "is neither a folder nor a file whose name ends in .json" : std::strerror(errno));
-  return kTrouble;
-}
-
-bool HasColors(const CheckOptions& options) {
-  if (options.color != Color::kAuto) return options.color == Color::kAlways;
-  const auto value_of = [](const char* name) {
-    const char* value = std::getenv(name);
-    return std::string(value == nullptr ? "" : value);
-  };
-  return isatty(STDOUT_FILENO) != 0 && value_of("NO_COLOR").empty() && value_of("TERM") != "dumb";
-}
 
 std::string TextOf(const CheckOptions& options, const Report& report) {
   switch (options.format) {
     case Format::kText:
-      return TextReport(options, report, HasColors(options));
+      return TextReport(options, report, HasColors(options.color));
     case Format::kJson:
       return JsonReport(options, report);
     case Format::kSarif:
@@ -89,7 +46,7 @@ std::string TextOf(const CheckOptions& options, const Report& report) {
 
 int PrintStore(const CheckOptions& options) {
   Server server;
-  const LoadRequest request = RequestOf(options);
+  const LoadRequest request = RequestOf(options, LoadAction::kCreate);
   const Listing listing = ListTree(request);
   if (listing.end == LoadEnd::kNoSuchPath) return RefusePath(options.static_data_path);
   const Played create = PlayLoad(&server, request, listing, OnFailure::kStop);
@@ -100,9 +57,9 @@ int PrintStore(const CheckOptions& options) {
 }
 
 Survey SurveyWith(const CheckOptions& options, ProgressLine* progress) {
-  return SurveyTree(RequestOf(options), [&](std::size_t done, std::size_t all) {
-    progress->Show("surveyed", done, all);
-  });
+  return SurveyTree(
+      RequestOf(options, LoadAction::kCreate),
+      [&](std::size_t done, std::size_t all) { progress->Show("surveyed", done, all); });
 }
 
 // The findings of the rules that are on, with positions.
@@ -157,29 +114,12 @@ int Run(int argc, char** argv) {
   const CommandLine line = ParseCommandLine(argc, argv);
   if (!line.options) return line.status;
   const CheckOptions& options = *line.options;
-  json_set_alloc_funcs(AllocateOrEnd, std::free);
-  if (!options.www.empty()) {
-    if (!IsDirectory(options.www)) {
-      PrintMessage("ostrafel-check: %s: is no folder\n", options.www.c_str());
-      return kTrouble;
-    }
-    Documents.include_root = options.www;
-  }
+  if (!SetIncludeRoot(options)) return kTrouble;
   return options.print_store ? PrintStore(options) : CheckWith(options);
 }
 
 }  // namespace
 
-int RunCheck(int argc, char** argv) {
-  ReserveStandardDescriptors();
-  try {
-    return Run(argc, argv);
-  } catch (const std::bad_alloc&) {
-    PrintOutOfMemory();
-  } catch (const std::exception& error) {
-    PrintMessage("ostrafel-check: %s\n", error.what());
-  }
-  return kTrouble;
-}
+int RunCheck(int argc, char** argv) { return RunTool(argc, argv, Run); }
 
 }  // namespace ostrafel

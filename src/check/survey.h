@@ -17,12 +17,12 @@
 #include <vector>
 
 #include "check/finding.h"
-#include "check/progress.h"
 #include "document/document.h"
 #include "loading/load_end.h"
 #include "loading/tree_loading.h"
 #include "memory/memory_server.h"
 #include "play/play.h"
+#include "tool/progress.h"
 #include "tree/outline.h"
 
 namespace ostrafel {

@@ -18,19 +18,16 @@ constexpr std::size_t kLineNumberColumns = 5;  // at least
 constexpr std::string_view kBar = " | ";
 constexpr std::size_t kMessageLines = 3;  // of a load that fails: the last say what was wrong
 
-constexpr const char* kBold = "1";
-constexpr const char* kGreen = "1;32";
-
 const char* ColorOf(Level level) {
   switch (level) {
     case Level::kError:
-      return "1;31";
+      return kRed;
     case Level::kWarning:
-      return "1;35";
+      return kMagenta;
     case Level::kNote:
       break;
   }
-  return "1;36";
+  return kCyan;
 }
 
 // Makes the text of one report.
@@ -47,8 +44,8 @@ class TextWriter {
   void WriteUnusedEntry(const BaselineEntry& entry);
   void WriteMessages(const std::string& action, const Played& played);
 
-  [[nodiscard]] std::string Colored(const std::string& text, const char* color) const {
-    return has_colors_ ? std::string("\033[") + color + "m" + text + "\033[0m" : text;
+  [[nodiscard]] std::string InColor(const std::string& text, const char* color) const {
+    return has_colors_ ? Colored(text, color) : text;
   }
 
   // "path:line:column:", less what is not known.
@@ -84,24 +81,24 @@ void TextWriter::WriteExcerpt(const Place& place) {
   text_ += excerpt->line + "\n" + std::string(number.size(), ' ');
   text_ += kBar;
   const std::size_t caret = excerpt->marks.find('^');
-  text_ += excerpt->marks.substr(0, caret) + Colored(excerpt->marks.substr(caret), kGreen) + "\n";
+  text_ += excerpt->marks.substr(0, caret) + InColor(excerpt->marks.substr(caret), kGreen) + "\n";
 }
 
 void TextWriter::WriteFinding(const Finding& finding) {
   const Rule& rule = RuleOf(finding.rule);
-  text_ += Colored(Locus(finding.place), kBold) + " " +
-           Colored(std::string(NameOf(rule.level)) + ":", ColorOf(rule.level)) + " " +
+  text_ += InColor(Locus(finding.place), kBold) + " " +
+           InColor(std::string(NameOf(rule.level)) + ":", ColorOf(rule.level)) + " " +
            Printable(finding.message) + " [" + rule.name + "]\n";
   if (!options_.quiet) WriteExcerpt(finding.place);
   for (const Related& related : finding.related) {
-    text_ += "  " + Colored(Locus(related.place), kBold) + " " + Printable(related.message) + "\n";
+    text_ += "  " + InColor(Locus(related.place), kBold) + " " + Printable(related.message) + "\n";
   }
 }
 
 void TextWriter::WriteUnusedEntry(const BaselineEntry& entry) {
   const std::string file = Printable(options_.baseline.value_or("baseline"));
-  text_ += Colored(file + ":" + std::to_string(entry.line) + ":", kBold) + " " +
-           Colored("note:", ColorOf(Level::kNote)) +
+  text_ += InColor(file + ":" + std::to_string(entry.line) + ":", kBold) + " " +
+           InColor("note:", ColorOf(Level::kNote)) +
            " nothing is accepted by this entry: " + BaselineLine(entry) + "\n";
 }
 

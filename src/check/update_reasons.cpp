@@ -9,9 +9,9 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "check/quoted.h"
 #include "layout/layout.h"
 #include "memory/glob.h"
+#include "tool/quoted.h"
 
 namespace ostrafel {
 

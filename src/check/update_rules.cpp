@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "check/grouped.h"
 #include "check/update_losses.h"
 #include "check/update_reasons.h"
+#include "tool/grouped.h"
 
 namespace ostrafel {
 

@@ -3,7 +3,11 @@
 
 #include "check/usage.h"
 
+#include "tool/tool.h"
+
 namespace ostrafel {
+
+const char* const ToolName = "ostrafel-check";
 
 std::string HelpText() {
   return R"(Usage: ostrafel-check [options] <StaticDataPath> [URI] [FileName]

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "check/progress.h"
+#include "tool/progress.h"
 
 #include <gtest/gtest.h>
 

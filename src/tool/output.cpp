@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "check/output.h"
+#include "tool/output.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "base/message.h"
+#include "tool/tool.h"
 
 namespace ostrafel {
 
@@ -24,7 +24,7 @@ void ReserveStandardDescriptors() {
 bool WriteOutput(const std::string& text) {
   const bool is_written =
       std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-  if (!is_written) PrintMessage("ostrafel-check: standard output: %s\n", std::strerror(errno));
+  if (!is_written) PrintTrouble(std::string("standard output: ") + std::strerror(errno));
   return is_written;
 }
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef OSTRAFEL_CHECK_GROUPED_H_
-#define OSTRAFEL_CHECK_GROUPED_H_
+#ifndef OSTRAFEL_TOOL_GROUPED_H_
+#define OSTRAFEL_TOOL_GROUPED_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -17,6 +17,11 @@ namespace ostrafel {
   return text;
 }
 
+/// "1 file", "7,321 files".
+[[nodiscard]] inline std::string Counted(std::uint64_t count, const std::string& noun) {
+  return Grouped(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 }  // namespace ostrafel
 
-#endif  // OSTRAFEL_CHECK_GROUPED_H_
+#endif  // OSTRAFEL_TOOL_GROUPED_H_

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // How far a check has come, for who waits for it.
-#ifndef OSTRAFEL_CHECK_PROGRESS_H_
-#define OSTRAFEL_CHECK_PROGRESS_H_
+#ifndef OSTRAFEL_TOOL_PROGRESS_H_
+#define OSTRAFEL_TOOL_PROGRESS_H_
 
 #include <chrono>
 #include <cstddef>
@@ -39,4 +39,4 @@ class ProgressLine {
 
 }  // namespace ostrafel
 
-#endif  // OSTRAFEL_CHECK_PROGRESS_H_
+#endif  // OSTRAFEL_TOOL_PROGRESS_H_

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#include "check/progress.h"
+#include "tool/progress.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <string>
 
-#include "check/grouped.h"
+#include "tool/grouped.h"
 
 namespace ostrafel {
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Standard output, to which all that was asked for goes. Trouble goes through PrintMessage.
-#ifndef OSTRAFEL_CHECK_OUTPUT_H_
-#define OSTRAFEL_CHECK_OUTPUT_H_
+#ifndef OSTRAFEL_TOOL_OUTPUT_H_
+#define OSTRAFEL_TOOL_OUTPUT_H_
 
 #include <string>
 
@@ -19,4 +19,4 @@ void ReserveStandardDescriptors();
 
 }  // namespace ostrafel
 
-#endif  // OSTRAFEL_CHECK_OUTPUT_H_
+#endif  // OSTRAFEL_TOOL_OUTPUT_H_

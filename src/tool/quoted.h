@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-#ifndef OSTRAFEL_CHECK_QUOTED_H_
-#define OSTRAFEL_CHECK_QUOTED_H_
+#ifndef OSTRAFEL_TOOL_QUOTED_H_
+#define OSTRAFEL_TOOL_QUOTED_H_
 
 #include <string>
 
@@ -13,4 +13,4 @@ namespace ostrafel {
 
 }  // namespace ostrafel
 
-#endif  // OSTRAFEL_CHECK_QUOTED_H_
+#endif  // OSTRAFEL_TOOL_QUOTED_H_

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tool/tool.h"
+
+#include <jansson.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+#include "base/message.h"
+#include "tool/output.h"
+
+namespace ostrafel {
+
+namespace {
+
+void PrintOutOfMemory() { PrintMessage("%s: out of memory\n", ToolName); }
+
+// For jansson, through which no exception passes.
+void* AllocateOrEnd(std::size_t size) {
+  void* memory = std::malloc(size);
+  if (memory == nullptr) {
+    Messages.collector = nullptr;  // of a play, whose messages nobody will see
+    PrintOutOfMemory();
+    std::_Exit(kTrouble);
+  }
+  return memory;
+}
+
+}  // namespace
+
+void PrintTrouble(const std::string& message) {
+  PrintMessage("%s: %s\n", ToolName, message.c_str());
+}
+
+int RunTool(int argc, char** argv, int (*run)(int argc, char** argv)) {
+  ReserveStandardDescriptors();
+  json_set_alloc_funcs(AllocateOrEnd, std::free);
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    PrintOutOfMemory();
+  } catch (const std::exception& error) {
+    PrintTrouble(error.what());
+  }
+  return kTrouble;
+}
+
+}  // namespace ostrafel
