@@ -12,9 +12,6 @@ namespace ostrafel {
 
 namespace {
 
-// In front of derived keys, of reserved members and of markers.
-constexpr std::string_view kPrefix = "&&";
-
 bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
@@ -67,7 +64,7 @@ std::string LinkPattern(std::string_view name) {
 
 bool IsReservedProperty(std::string_view name) {
   // All of them begin like that, and hardly any other member does.
-  return StartsWith(name, kPrefix) && ReservedPropertySet.count(name) != 0;
+  return StartsWith(name, InternalPrefix) && ReservedPropertySet.count(name) != 0;
 }
 
 void NormalizeKey(std::string& key) {
@@ -76,12 +73,12 @@ void NormalizeKey(std::string& key) {
     const auto both_slashes = [](char a, char b) { return a == '/' && b == '/'; };
     key.erase(std::unique(key.begin(), key.end(), both_slashes), key.end());
   }
-  if (!StartsWith(key, kPrefix)) key.insert(0, kPrefix);
+  if (!StartsWith(key, InternalPrefix)) key.insert(0, InternalPrefix);
 }
 
 std::string DerivedKey(const std::string& parent_key, const std::string& name) {
   std::string key;
-  key.reserve(kPrefix.size() + parent_key.size() + 1 + name.size());
+  key.reserve(InternalPrefix.size() + parent_key.size() + 1 + name.size());
   key.append(parent_key).append("/").append(name);
   NormalizeKey(key);
   return key;
@@ -92,10 +89,10 @@ std::string SubtreePattern(const std::string& key) {
   return key + (ends_with_slash ? "*" : "/*");
 }
 
-bool IsTwinPattern(std::string_view pattern) { return StartsWith(pattern, kPrefix); }
+bool IsTwinPattern(std::string_view pattern) { return StartsWith(pattern, InternalPrefix); }
 
 std::string TwinPattern(const std::string& pattern) {
-  std::string twin(kPrefix);
+  std::string twin(InternalPrefix);
   return twin += pattern;
 }
 

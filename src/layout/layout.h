@@ -42,6 +42,9 @@ inline constexpr const char* ObjectRefMarker = "&&ObjectRef ";
 /// Points to the list of an array.
 inline constexpr const char* ArrayMarker = "&&Array ";
 
+/// In front of derived keys, of reserved members and of markers.
+inline constexpr std::string_view InternalPrefix = "&&";
+
 /// A hash holds an object's members, a list an array's elements.
 enum class ParentKind { kHash, kList };
 

@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#include "diff/comparison.h"
+
+#include <utility>
+
+#include "diff/list_alignment.h"
+
+namespace ostrafel {
+
+namespace {
+
+// Goes through two maps together, which are sorted alike: take gets an item of the first or null,
+// and one of the second or null, with the same name.
+template <typename Map, typename Take>
+void GoThroughBoth(const Map& first, const Map& second, const Take& take) {
+  auto a = first.begin();
+  auto b = second.begin();
+  while (a != first.end() || b != second.end()) {
+    if (b == second.end() || (a != first.end() && a->first < b->first)) {
+      take(a->first, &a->second, nullptr);
+      ++a;
+    } else if (a == first.end() || b->first < a->first) {
+      take(b->first, nullptr, &b->second);
+      ++b;
+    } else {
+      take(a->first, &a->second, &b->second);
+      ++a;
+      ++b;
+    }
+  }
+}
+
+void CompareHashes(const std::string& key, const Hash& stored, const Hash& wanted,
+                   Differences* differences) {
+  GoThroughBoth(
+      stored, wanted,
+      [&](const std::string& field, const std::string* old_value, const std::string* new_value) {
+        if (old_value == nullptr) {
+          differences->push_back(
+              {Change::kMissing, key, Kind::kHash, field, std::nullopt, *new_value});
+        } else if (new_value == nullptr) {
+          differences->push_back(
+              {Change::kExtra, key, Kind::kHash, field, *old_value, std::nullopt});
+        } else if (*old_value != *new_value) {
+          differences->push_back(
+              {Change::kChanged, key, Kind::kHash, field, *old_value, *new_value});
+        }
+      });
+}
+
+void CompareLists(const std::string& key, const List& stored, const List& wanted,
+                  Differences* differences) {
+  if (stored == wanted) return;
+  for (const ListEdit& edit : AlignLists(stored, wanted)) {
+    Difference difference = {edit.change,  key,          Kind::kList,
+                             edit.element, std::nullopt, std::nullopt};
+    if (edit.change != Change::kMissing) difference.stored = stored[edit.element.stored_index];
+    if (edit.change != Change::kExtra) difference.wanted = wanted[edit.element.wanted_index];
+    differences->push_back(std::move(difference));
+  }
+}
+
+void CompareValues(const std::string& key, const Stored& stored, const Stored& wanted,
+                   Differences* differences) {
+  const Kind kind = KindOf(wanted);
+  if (stored.index() != wanted.index()) {
+    differences->push_back(
+        {Change::kChanged, key, kind, WholeKey(), NameOf(KindOf(stored)), NameOf(kind)});
+  } else if (const Hash* hash = std::get_if<Hash>(&stored)) {
+    CompareHashes(key, *hash, std::get<Hash>(wanted), differences);
+  } else if (const List* list = std::get_if<List>(&stored)) {
+    CompareLists(key, *list, std::get<List>(wanted), differences);
+  }
+}
+
+}  // namespace
+
+const char* NameOf(Kind kind) {
+  switch (kind) {
+    case Kind::kHash:
+      return "hash";
+    case Kind::kList:
+      return "list";
+    case Kind::kOther:
+      break;
+  }
+  return "other";
+}
+
+Kind KindOf(const Stored& value) {
+  if (std::holds_alternative<Hash>(value)) return Kind::kHash;
+  return std::holds_alternative<List>(value) ? Kind::kList : Kind::kOther;
+}
+
+std::size_t CountRecords(const Stored& value) {
+  if (const Hash* hash = std::get_if<Hash>(&value)) return hash->size();
+  if (const List* list = std::get_if<List>(&value)) return list->size();
+  return 0;
+}
+
+Differences CompareStores(const Server& stored, const Server& wanted) {
+  Differences differences;
+  GoThroughBoth(stored.keys, wanted.keys,
+                [&](const std::string& key, const Stored* old_value, const Stored* new_value) {
+                  if (old_value == nullptr) {
+                    differences.push_back({Change::kMissing, key, KindOf(*new_value), WholeKey(),
+                                           std::nullopt, std::nullopt});
+                  } else if (new_value == nullptr) {
+                    differences.push_back({Change::kExtra, key, KindOf(*old_value), WholeKey(),
+                                           std::nullopt, std::nullopt});
+                  } else {
+                    CompareValues(key, *old_value, *new_value, &differences);
+                  }
+                });
+  return differences;
+}
+
+}  // namespace ostrafel
