@@ -10,7 +10,7 @@
 namespace ostrafel {
 
 /// Finds where in the tree the differences come from (Difference::place). Reads the files of the
-/// listing again, or takes them from Documents.kept_files. Prints nothing.
+/// listing again: their documents take more memory than what a play makes of them. Prints nothing.
 void FindPlaces(const Listing& listing, Differences* differences);
 
 }  // namespace ostrafel

@@ -15,7 +15,6 @@
 #include "diff/options.h"
 #include "diff/places.h"
 #include "diff/report.h"
-#include "document/json_file.h"
 #include "layout/layout.h"
 #include "live/server_choice.h"
 #include "live/store_reading.h"
@@ -61,7 +60,6 @@ bool Play(const Tree& tree, Server* store) {
 struct Comparison {
   DiffOptions options;
   Tree tree;
-  KeptFiles kept_files;  // of tree
   Server wanted;
   Reading reading;  // what the store holds
   Differences differences;
@@ -152,7 +150,6 @@ int Run(int argc, char** argv) {
   }
   const LoadAction action = options.is_update ? LoadAction::kUpdate : LoadAction::kCreate;
   if (!ListFilesOf(RequestOf(options, action), &comparison.tree)) return kTrouble;
-  Documents.kept_files = &comparison.kept_files;
   if (!options.is_update && !Play(comparison.tree, &comparison.wanted)) return kTrouble;
   if (options.against) return Show(&comparison);
   const StoreConnection connection = ConnectTo(options.server);
