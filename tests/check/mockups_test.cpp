@@ -16,6 +16,7 @@
 #include "check/rule.h"
 #include "document/document.h"
 #include "support/process.h"
+#include "support/program.h"
 
 namespace ostrafel {
 
@@ -58,7 +59,7 @@ Counts DocumentedCounts() {
 
 std::map<std::string, int> FoundCounts(const std::string& tree) {
   const Finished run =
-      RunProgram({OSTRAFEL_CHECK_PROGRAM, "--format", "json", "--select", "all", tree});
+      RunProgram(CommandOf(OSTRAFEL_CHECK_PROGRAM, {"--format", "json", "--select", "all", tree}));
   EXPECT_EQ(run.err, "");
   const Document output(json_loads(run.out.c_str(), 0, nullptr));
   const json_t* findings = json_object_get(output.get(), "findings");
@@ -87,10 +88,12 @@ TEST(Mockups, GiveTheDocumentedNumbersOfFindings) {
 TEST(Mockups, LookAsREADMEShows) {
   const char* folder = std::getenv("REDFISH_MOCKUPS");
   if (folder == nullptr) GTEST_SKIP() << "REDFISH_MOCKUPS names no folder of Redfish trees";
-  const std::string command = "cd '" + std::string(folder) +
-                              "' && exec '" OSTRAFEL_CHECK_PROGRAM
-                              "' --select store-,redfish-count public-rackmount1";
-  const std::string printed = RunProgram({"/bin/sh", "-c", command}).out;
+  std::vector<std::string> command = {"/usr/bin/env", "-C", folder};
+  for (const std::string& word : CommandOf(
+           OSTRAFEL_CHECK_PROGRAM, {"--select", "store-,redfish-count", "public-rackmount1"})) {
+    command.push_back(word);
+  }
+  const std::string printed = RunProgram(command).out;
   std::ifstream file(OSTRAFEL_SOURCE_DIR "/README.md");
   std::string line;
   while (std::getline(file, line) && line.find("$ ostrafel-check --select ") != 0) continue;

@@ -99,12 +99,9 @@ class PredictionTest : public ModelCheckedTest {
   Finished Run(const std::vector<std::string>& arguments) { return Ostrafel(arguments, Options()); }
 
   // What ostrafel-check does with such arguments, less their action.
-  Finished Check(const std::string& option, const std::vector<std::string>& arguments) {
-    std::vector<std::string> command = ProgramCommand({});
-    command.back() = OSTRAFEL_CHECK_PROGRAM;
-    command.push_back(option);
-    command.insert(command.end(), arguments.begin() + 1, arguments.end());
-    return RunProgram(command, Options());
+  Finished Check(const std::string& option, std::vector<std::string> arguments) {
+    arguments[0] = option;
+    return RunProgram(CommandOf(OSTRAFEL_CHECK_PROGRAM, arguments), Options());
   }
 
   RunOptions Options() const {

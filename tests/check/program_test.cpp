@@ -42,10 +42,7 @@ class CheckProgram : public ::testing::Test {
 };
 
 Finished Check(const Words& words, const RunOptions& options = {}) {
-  Words command = ProgramCommand({});  // with what runs it, such as an emulator
-  command.back() = OSTRAFEL_CHECK_PROGRAM;
-  command.insert(command.end(), words.begin(), words.end());
-  return RunProgram(command, options);
+  return RunProgram(CommandOf(OSTRAFEL_CHECK_PROGRAM, words), options);
 }
 
 // A sanitizer or an emulator needs memory of its own.

@@ -23,12 +23,17 @@ std::string Program() { return FromEnvironment("OSTRAFEL_PROGRAM", OSTRAFEL_PROG
 
 }  // namespace
 
-std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments) {
+std::vector<std::string> CommandOf(const std::string& program,
+                                   const std::vector<std::string>& arguments) {
   std::istringstream launcher(Launcher());
   std::vector<std::string> command(std::istream_iterator<std::string>(launcher), {});
-  command.push_back(Program());
+  command.push_back(program);
   command.insert(command.end(), arguments.begin(), arguments.end());
   return command;
+}
+
+std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments) {
+  return CommandOf(Program(), arguments);
 }
 
 bool HasLauncher() { return !Launcher().empty(); }

@@ -18,6 +18,10 @@ inline constexpr const char* kSuccessLine = ">>> Ostrafel parsing successfully.\
 ///                      a build for another processor that is its emulator anyway
 std::vector<std::string> ProgramCommand(const std::vector<std::string>& arguments);
 
+/// The command that runs another program of the same build, likewise under a launcher.
+std::vector<std::string> CommandOf(const std::string& program,
+                                   const std::vector<std::string>& arguments);
+
 /// True when the program runs under a launcher, which takes its own time, memory and system calls.
 bool HasLauncher();
 
