@@ -20,29 +20,30 @@ def as_text(command):
     return [str(part) for part in command]
 
 
-def run(command, **settings):
-    """Runs a command to its end: the time that it took, and processor time on both sides. That of
-    the client includes the processes that it started."""
+def run(command, status=0, **settings):
+    """Runs a command to its end, which must be that exit status: the time that it took, and
+    processor time on both sides. That of the client includes the processes that it started."""
     before = sandbox_server.cpu_seconds()
     start = time.perf_counter()
     process = subprocess.Popen(as_text(command), stdout=subprocess.PIPE, text=True, **settings)
     printed = process.stdout.read()
-    _, status, usage = os.wait4(process.pid, 0)
+    _, ended, usage = os.wait4(process.pid, 0)
     wall = time.perf_counter() - start
-    process.returncode = status
+    process.returncode = os.waitstatus_to_exitcode(ended)
     process.stdout.close()
-    if status != 0:
+    if process.returncode != status:
         sys.exit(f"{command[0]} failed.")
     return {"wall": wall, "client": usage.ru_utime + usage.ru_stime,
             "server": sandbox_server.cpu_seconds() - before, "printed": printed}
 
 
-def peak_memory(command, **settings):
-    """The MiB that a command had in memory at most. A process starts with the pages of its parent,
+def peak_memory(command, status=0, **settings):
+    """The MiB that a command, which must end with that status, had in memory at most. A process starts with the pages of its parent,
     so the parent here is a small one."""
     with tempfile.NamedTemporaryFile("r") as report:
-        subprocess.run(["/usr/bin/time", "-q", "-f", "%M", "-o", report.name, *as_text(command)],
-                       check=True, stdout=subprocess.DEVNULL, **settings)
+        timed = ["/usr/bin/time", "-q", "-f", "%M", "-o", report.name, *as_text(command)]
+        if subprocess.run(timed, stdout=subprocess.DEVNULL, **settings).returncode != status:
+            sys.exit(f"{command[0]} failed.")
         return int(report.read()) / 1024
 
 

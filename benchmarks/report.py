@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Ostrafel developers
 # SPDX-License-Identifier: Apache-2.0
 
-"""Writes the figures of a run of measure.py, or of checking.py, into a Markdown document.
+"""Writes the figures of a run of measure.py, checking.py or differing.py into a Markdown document.
 
 A table goes between the comments "<!-- begin NAME -->" and "<!-- end NAME -->"; what lies outside
 of them is written by hand and stays."""
@@ -156,6 +156,17 @@ def check(measured):
                   "peak memory, MiB", "rounds"], rows)
 
 
+def diff(measured):
+    rows = []
+    for line in measured["diff"]:
+        with_server = [f"{line['memory']:.1f}", milliseconds(line["wait"])] if "memory" in line \
+            else ["", ""]
+        rows.append([line["name"], milliseconds(line["wall"]), f"{line['ratio']:.2f}",
+                     *with_server, line["rounds"]])
+    return table(["run", "wall time, ms", "÷ create", "peak memory, MiB",
+                  "longest wait of another client, ms", "rounds"], rows)
+
+
 def machine(measured):
     return table(["measured", "with"], measured["machine"])
 
@@ -164,6 +175,8 @@ def blocks(measured):
     """Name of a block -> its text."""
     if "check" in measured:
         return {"ostrafel-check": check(measured)}
+    if "diff" in measured:
+        return {"ostrafel-diff": diff(measured)}
     made = {"results": results(measured), "per file": per_file(measured),
             "start-up": start_up(measured), "machine": machine(measured),
             "pieces": pieces(measured)}
@@ -177,7 +190,7 @@ def blocks(measured):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("results", type=pathlib.Path, help="results.json of measure.py, or those of "
-                        "checking.py")
+                        "checking.py or differing.py")
     parser.add_argument("document", type=pathlib.Path)
     arguments = parser.parse_args()
     text = arguments.document.read_text(encoding="utf-8")
