@@ -3,9 +3,11 @@
 
 #include "diff/run.h"
 
-#include <stdexcept>
+#include <algorithm>
+#include <future>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/message.h"
 #include "connection/broken_pipe.h"
@@ -18,6 +20,7 @@
 #include "layout/layout.h"
 #include "live/server_choice.h"
 #include "live/store_reading.h"
+#include "memory/glob.h"
 #include "play/play.h"
 #include "tool/output.h"
 #include "tool/tool.h"
@@ -65,15 +68,41 @@ struct Comparison {
   Differences differences;
 };
 
-// All that a create removes and writes or, as an update searches all keys, everything.
-ReadingScope ScopeOf(const Comparison& comparison) {
-  if (comparison.options.is_update) return {{"*"}, {}};
-  ReadingScope scope;
-  for (const std::string& pattern : TreePatterns(comparison.options.uri)) {
-    scope.patterns.push_back(pattern);
+// All that a create removes or, as an update searches all keys, everything.
+std::vector<std::string> PatternsOf(const DiffOptions& options) {
+  if (options.is_update) return {"*"};
+  const auto patterns = TreePatterns(options.uri);
+  return {patterns.begin(), patterns.end()};
+}
+
+// The keys that the tree writes and no pattern matches.
+std::vector<std::string> OtherKeys(const Server& wanted, const std::vector<std::string>& patterns) {
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : wanted.keys) {
+    const auto matches = [&name = key](const auto& pattern) { return MatchesGlob(pattern, name); };
+    if (std::none_of(patterns.begin(), patterns.end(), matches)) keys.push_back(key);
   }
-  for (const auto& [key, value] : comparison.wanted.keys) scope.keys.push_back(key);
-  return scope;
+  return keys;
+}
+
+void ReadAgain(redisContext* context, Comparison* comparison) {
+  const std::vector<std::string> patterns = PatternsOf(comparison->options);
+  const ReadingScope scope = {patterns, OtherKeys(comparison->wanted, patterns)};
+  comparison->reading = ReadStore(context, scope, comparison->wanted);
+}
+
+// Reads the store and, for a create, plays it meanwhile: reading takes about as long. False when
+// the create would fail.
+bool ReadAndPlay(redisContext* context, Comparison* comparison) {
+  const std::vector<std::string> patterns = PatternsOf(comparison->options);
+  std::future<Reading> reading = std::async(std::launch::async, [&] {
+    return ReadStore(context, {patterns, {}}, {});
+  });
+  const bool is_played =
+      comparison->options.is_update || Play(comparison->tree, &comparison->wanted);
+  comparison->reading = reading.get();
+  if (!OtherKeys(comparison->wanted, patterns).empty()) ReadAgain(context, comparison);
+  return is_played;
 }
 
 // Compares the store that was read with the wanted one. False when there is none.
@@ -123,7 +152,7 @@ int Show(Comparison* comparison) {
 int Apply(redisContext* context, Comparison* comparison) {
   Applied applied;
   for (int attempts = 0; attempts < kMostAttempts; ++attempts) {
-    comparison->reading = ReadStore(context, ScopeOf(*comparison), comparison->wanted);
+    if (attempts > 0) ReadAgain(context, comparison);
     if (!IsSteady(comparison->reading) || !Compare(comparison)) return kTrouble;
     if (ApplyDifferences(context, comparison->reading.store, comparison->wanted,
                          comparison->differences, comparison->options.batch, &applied)) {
@@ -150,12 +179,13 @@ int Run(int argc, char** argv) {
   }
   const LoadAction action = options.is_update ? LoadAction::kUpdate : LoadAction::kCreate;
   if (!ListFilesOf(RequestOf(options, action), &comparison.tree)) return kTrouble;
-  if (!options.is_update && !Play(comparison.tree, &comparison.wanted)) return kTrouble;
-  if (options.against) return Show(&comparison);
+  if (options.against) {
+    const bool is_played = options.is_update || Play(comparison.tree, &comparison.wanted);
+    return is_played ? Show(&comparison) : kTrouble;
+  }
   const StoreConnection connection = ConnectTo(options.server);
-  if (options.apply) return Apply(connection.get(), &comparison);
-  comparison.reading = ReadStore(connection.get(), ScopeOf(comparison), comparison.wanted);
-  return Show(&comparison);
+  if (!ReadAndPlay(connection.get(), &comparison)) return kTrouble;
+  return options.apply ? Apply(connection.get(), &comparison) : Show(&comparison);
 }
 
 }  // namespace
