@@ -4,10 +4,12 @@
 #include "live/server_choice.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <stdexcept>
+#include <system_error>
 
 #include "base/files.h"
 #include "live/session.h"
@@ -16,7 +18,7 @@ namespace ostrafel {
 
 namespace {
 
-constexpr unsigned long kLastPort = 65535;
+constexpr std::int32_t kLastPort = 65535;
 
 // What the user says of the server, or what the loader finds.
 std::optional<ConnectionConfig> ConfigOf(const ServerChoice& choice) {
@@ -36,29 +38,54 @@ std::optional<ConnectionConfig> ConfigOf(const ServerChoice& choice) {
 
 std::string NameOf(const ConnectionConfig& config) {
   if (config.type == UnixSocket) return config.socket_path;
-  return (config.host.empty() ? "127.0.0.1" : config.host) + ":" + std::to_string(config.port);
+  const bool is_address = config.host.find(':') != std::string::npos;
+  return (is_address ? "[" + config.host + "]" : config.host) + ":" + std::to_string(config.port);
+}
+
+// Like ConnectStore, but says why there is no connection.
+StoreConnection Connect(const ConnectionConfig& config) {
+  StoreConnection connection(config.type == UnixSocket
+                                 ? redisConnectUnix(config.socket_path.c_str())
+                                 : redisConnect(config.host.c_str(), config.port));
+  if (!connection) throw std::bad_alloc();
+  if (connection->err != 0) {
+    throw std::runtime_error("no connection to Redis at " + NameOf(config) + ": " +
+                             connection->errstr);
+  }
+  return connection;
+}
+
+void Login(redisContext* context, const std::string& password) {
+  const Reply reply = AskServer(context, {"AUTH", password});
+  RefuseError(*reply, "AUTH");
+  if (reply->type != REDIS_REPLY_STATUS || TextOf(*reply) != "OK") RefuseReply("AUTH");
+}
+
+// A host as it stands before a port. Empty when it is none: only an address in brackets has colons.
+std::string WithoutBrackets(const std::string& host) {
+  const bool has_brackets = host.size() > 2 && host.front() == '[' && host.back() == ']';
+  const std::string inner = has_brackets ? host.substr(1, host.size() - 2) : host;
+  const bool is_host = inner.find_first_of(has_brackets ? "[]" : "[]:") == std::string::npos;
+  return is_host ? inner : "";
 }
 
 }  // namespace
 
 bool ParseEndpoint(const std::string& text, ServerChoice* choice) {
   const std::size_t colon = text.rfind(':');
-  const std::string port = colon == std::string::npos ? text : text.substr(colon + 1);
-  std::string host = colon == std::string::npos ? "" : text.substr(0, colon);
-  if (host.empty() && colon != std::string::npos) return false;
-  if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
-    host = host.substr(1, host.size() - 2);
-  } else if (host.find(':') != std::string::npos) {
-    return false;
+  std::string host;
+  std::string port = text;
+  if (colon != std::string::npos) {
+    host = WithoutBrackets(text.substr(0, colon));
+    port = text.substr(colon + 1);
+    if (host.empty()) return false;
   }
-  if (port.empty() || port.size() > 5 ||
-      port.find_first_not_of("0123456789") != std::string::npos) {
-    return false;
-  }
-  const unsigned long number = std::strtoul(port.c_str(), nullptr, 10);
-  if (number == 0 || number > kLastPort) return false;
+  std::int32_t number = 0;
+  const char* const end = port.data() + port.size();
+  const auto [rest, error] = std::from_chars(port.data(), end, number);
+  if (error != std::errc() || rest != end || number < 1 || number > kLastPort) return false;
   choice->host = host;
-  choice->port = static_cast<std::int32_t>(number);
+  choice->port = number;
   return true;
 }
 
@@ -75,15 +102,12 @@ std::string ReadPassword(const std::string& path) {
 }
 
 StoreConnection ConnectTo(const ServerChoice& choice) {
-  const std::optional<ConnectionConfig> config = ConfigOf(choice);
-  if (!config) throw std::runtime_error("no Redis server is found");
-  StoreConnection connection = ConnectStore(&*config);
-  if (!connection) throw std::runtime_error("no connection to Redis at " + NameOf(*config));
+  std::optional<ConnectionConfig> config = ConfigOf(choice);
+  if (!config) throw std::runtime_error("no Redis server is found where the loader looks for it");
+  if (config->host.empty()) config->host = "127.0.0.1";
+  StoreConnection connection = Connect(*config);
   const std::string password = choice.password.value_or(config->password);
-  if (!password.empty()) {
-    const Reply reply = AskServer(connection.get(), {"AUTH", password});
-    RefuseError(*reply, "AUTH");
-  }
+  if (!password.empty()) Login(connection.get(), password);
   return connection;
 }
 

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Commands of any bytes and their replies. Whatever keeps a reply from being read raises
-// runtime_error with what the connection says.
+// runtime_error with what the connection says. Whoever raises it, before all replies are read or
+// after, the connection is of no use from then on.
 #ifndef OSTRAFEL_LIVE_SESSION_H_
 #define OSTRAFEL_LIVE_SESSION_H_
 
@@ -27,7 +28,7 @@ class LivePipeline {
  public:
   explicit LivePipeline(redisContext* context) : context_(context) {}
 
-  /// Appends a command. Raises runtime_error when it cannot be sent.
+  /// Appends a command, at least its name. Raises runtime_error when it cannot be sent.
   void Append(const Words& words);
 
   /// The reply to the next command, in order; an error reply is one. Never empty.
@@ -37,8 +38,7 @@ class LivePipeline {
   void Send();
 
   redisContext* context_;
-  std::size_t waiting_ = 0;  // bytes appended since the last piece went out
-  bool is_sent_ = true;
+  std::size_t waiting_ = 0;  // bytes appended since the last piece went out, or some more
 };
 
 /// Sends one command and waits for its reply, which is never empty.
@@ -47,8 +47,11 @@ class LivePipeline {
 /// The string, status or error of a reply; empty for others.
 [[nodiscard]] std::string_view TextOf(const redisReply& reply);
 
-/// Raises runtime_error with the server's words if reply is an error, and of what was asked.
+/// Raises runtime_error, with what was asked and the server's words, if reply is an error.
 void RefuseError(const redisReply& reply, const std::string& command);
+
+/// Raises runtime_error, which says that what was asked cannot be answered like this.
+[[noreturn]] void RefuseReply(const std::string& command);
 
 }  // namespace ostrafel
 
