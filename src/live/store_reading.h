@@ -21,7 +21,7 @@ struct ReadingScope {
   std::vector<std::string> keys;      ///< and these keys, if they exist.
 };
 
-/// Up to so many keys are read in one transaction.
+/// Up to so many keys are read in one transaction, during which the server serves nobody else.
 inline constexpr std::size_t kKeysAtOnce = 10000;
 
 /// So often a store that changes is read again.
@@ -29,25 +29,31 @@ inline constexpr int kMostReadings = 5;
 
 struct Reading {
   Server store;  ///< The keys of the scope, with what they hold.
-  /// The keys that were changed while they were read, and still were when reading was given up.
-  /// When there is none, the store was like this at one moment or, when it was read in parts, no
-  /// reading tells of a change.
+  /// The keys that others changed while they were read, each time until reading was given up:
+  /// sorted. When there is none, the store was like this at one moment.
   std::vector<std::string> unsteady;
 };
 
-/// Reads what the scope names. likely is a store that holds much the same: its types are asked for
-/// first, which saves a round trip where they are right.
+/// Reads what the scope names. likely is a store that holds much the same: what it has of a key
+/// decides how the key is read first, which saves a round trip where it is right. Nothing is
+/// written.
 ///
 /// Up to keys_at_once keys: their names and contents in one MULTI ... EXEC, again when the keys or
-/// their types were others than expected. More: in pipelines that block the server for short times
-/// only, and then again; what differs is read until two readings agree. Either is tried
-/// kMostReadings times.
+/// their types were others than expected.
 ///
-/// Raises runtime_error when the connection breaks or the server refuses a command.
+/// More: in pipelines that block the server for short times only, and then again, until no key
+/// differs. Those that differ are read in one MULTI ... EXEC between two readings from then on, as
+/// long as they are no more than keys_at_once. No reading tells of a key that is changed and
+/// changed back between two of them.
+///
+/// Either is tried kMostReadings times. Raises runtime_error when the connection breaks, the server
+/// refuses a command or answers with what is no answer to it, or the type of a key is another each
+/// time that a pipeline reads it.
 [[nodiscard]] Reading ReadStore(redisContext* context, const ReadingScope& scope,
                                 const Server& likely, std::size_t keys_at_once = kKeysAtOnce);
 
-/// Reads these keys, in one pipeline, without a transaction.
+/// Reads these keys, if they exist, each at a moment of its own. likely and what is raised: as
+/// above.
 [[nodiscard]] Server ReadKeys(redisContext* context, const std::vector<std::string>& keys,
                               const Server& likely);
 
