@@ -17,14 +17,15 @@ struct ListEdit {
   Element element;
 };
 
-/// The fewest elements that are missing from, extra in and changed in stored so that it becomes
-/// wanted, in the order of the lists; missing ones beside extra ones are told as changed. Lists
-/// that differ in more than kMostEdits elements are compared element by element between what they
-/// have in common at both ends.
+/// What is missing from, extra in and changed in stored so that it becomes wanted, in the order of
+/// the lists. As many elements as can be are in common; between two of these, missing ones beside
+/// extra ones are told as changed. Where more than kMostEdits elements are missing or extra, a
+/// changed one being both, there may be more in common.
 [[nodiscard]] std::vector<ListEdit> AlignLists(const List& stored, const List& wanted);
 
-/// Time and memory of an alignment grow with the square of this.
-inline constexpr std::size_t kMostEdits = 1000;
+/// An alignment takes memory for the square of this and, at worst, a time that grows with the
+/// lists' length times this.
+inline constexpr std::size_t kMostEdits = 250;
 
 }  // namespace ostrafel
 
