@@ -52,8 +52,9 @@ struct Difference {
   /// that is missing or extra, nothing.
   std::optional<std::string> stored;
   std::optional<std::string> wanted;
-  /// Where the wanted record comes from. Of an extra record of a key that the tree writes: the file
-  /// and the pointer that it would have, which has a position if the file has such a member, too.
+  /// Where the wanted record comes from. Of an extra record, where it would stand if it was in the
+  /// tree, which has what it belongs to: the file, the pointer that it would have and, if something
+  /// stands there, its position.
   std::optional<TreePlace> place = std::nullopt;
 };
 

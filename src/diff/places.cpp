@@ -9,7 +9,10 @@
 #include <set>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
+#include <variant>
+#include <vector>
 
 #include "layout/record_parts.h"
 #include "layout/resource_id.h"
@@ -24,27 +27,29 @@ namespace {
 
 constexpr std::string_view kFilePointer = "/&&File";
 
-// True when a part of value, an object or array, has a key of its own choice.
+bool HoldsChosenKey(const json_t* value);
+
+// True when value or a part of it is an object with a key of its own choice.
+bool HasChosenKey(const json_t* value) {
+  if (json_is_object(value) && json_object_get(value, IdMember) != nullptr && !IsLink(value)) {
+    return true;
+  }
+  return HoldsChosenKey(value);
+}
+
+// The same of the parts only.
 bool HoldsChosenKey(const json_t* value) {
   std::size_t index = 0;
   json_t* element = nullptr;
   json_array_foreach(value, index, element) {
-    if (json_is_object(element) && json_object_get(element, IdMember) != nullptr &&
-        !IsLink(element)) {
-      return true;
-    }
-    if (HoldsChosenKey(element)) return true;
+    if (HasChosenKey(element)) return true;
   }
   if (!json_is_object(value)) return false;
   // jansson's iterators take no const object, though they change none.
   auto* object = const_cast<json_t*>(value);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   for (void* member = json_object_iter(object); member != nullptr;
        member = json_object_iter_next(object, member)) {
-    const json_t* part = json_object_iter_value(member);
-    if (json_is_object(part) && json_object_get(part, IdMember) != nullptr && !IsLink(part)) {
-      return true;
-    }
-    if (HoldsChosenKey(part)) return true;
+    if (HasChosenKey(json_object_iter_value(member))) return true;
   }
   return false;
 }
@@ -55,11 +60,46 @@ std::string PathOf(std::string key) {
   return key.substr(InternalPrefix.size());
 }
 
+// The differences of one key, sorted by record.
+struct OfKey {
+  Difference* begin;
+  Difference* end;
+  bool is_met = false;       // a file writes the key
+  std::size_t elements = 0;  // of a list that were met
+
+  // The difference of this field of the wanted hash, if there is one.
+  [[nodiscard]] Difference* FindField(const std::string& field) const {
+    return Find(field, [](const Difference& difference, const std::string& name) {
+      const std::string* other = std::get_if<std::string>(&difference.record);
+      return other == nullptr ? -1 : other->compare(name);
+    });
+  }
+
+  // That of this element of the wanted list.
+  [[nodiscard]] Difference* FindElement(std::size_t index) const {
+    return Find(index, [](const Difference& difference, std::size_t wanted_index) {
+      const Element* other = std::get_if<Element>(&difference.record);
+      if (other == nullptr || other->wanted_index < wanted_index) return -1;
+      return other->wanted_index == wanted_index ? 0 : 1;
+    });
+  }
+
+ private:
+  template <typename Record, typename Compare>
+  [[nodiscard]] Difference* Find(const Record& record, const Compare& compare) const {
+    Difference* found = std::partition_point(
+        begin, end, [&](const Difference& difference) { return compare(difference, record) < 0; });
+    return found != end && compare(*found, record) == 0 ? found : nullptr;
+  }
+};
+
+// Goes through the files as the writer does: of two that claim a key, the first one writes it, and
+// where two objects write one field, the last value stays.
 class PlaceFinder {
  public:
   explicit PlaceFinder(Differences* differences);
 
-  // Finds what comes from a file, unless an earlier one had it.
+  // Finds what comes from a file.
   void LookInto(const std::string& path, const std::string& listed_key);
 
   // Finds the positions of what was found.
@@ -67,22 +107,25 @@ class PlaceFinder {
 
  private:
   [[nodiscard]] bool MayWrite(const std::string& key, const json_t* root) const;
+  [[nodiscard]] OfKey* FindKey(const std::string& key);
+  void LookAtParts(const Outline& outline);
   void FindRecord(const Outline& outline, std::size_t node);
-  void FindExtra(const Outline& outline, std::size_t node);
-  void FindWholeKey(const Outline& outline, std::size_t node);
+  void FindOthers(const Outline& outline, std::size_t node);
   void Set(Difference* difference, std::string pointer);
 
   Differences& differences_;
-  std::unordered_map<std::string, std::vector<std::size_t>> by_key_;
-  std::set<std::string> paths_;  // PathOf the keys
-  std::string own_path_;         // of the file that is looked into
-  std::string text_path_;        // of the one that its members stand in
+  std::unordered_map<std::string, OfKey> by_key_;
+  std::set<std::string> paths_;                // PathOf the keys
+  std::unordered_set<std::string> resources_;  // that were written so far
+  std::string own_path_;                       // of the file that is looked into
+  std::string text_path_;                      // of the one that its members stand in
 };
 
 PlaceFinder::PlaceFinder(Differences* differences) : differences_(*differences) {
-  for (std::size_t i = 0; i < differences_.size(); ++i) {
-    by_key_[differences_[i].key].push_back(i);
-    paths_.insert(PathOf(differences_[i].key));
+  for (Difference& difference : differences_) {
+    OfKey& of_key = by_key_.emplace(difference.key, OfKey{&difference, nullptr}).first->second;
+    of_key.end = &difference + 1;
+    if (of_key.begin == &difference) paths_.insert(PathOf(difference.key));
   }
 }
 
@@ -93,54 +136,64 @@ bool PlaceFinder::MayWrite(const std::string& key, const json_t* root) const {
   return HoldsChosenKey(root);
 }
 
+OfKey* PlaceFinder::FindKey(const std::string& key) {
+  const auto found = by_key_.find(key);
+  return found == by_key_.end() ? nullptr : &found->second;
+}
+
 void PlaceFinder::Set(Difference* difference, std::string pointer) {
-  if (difference->place) return;
   const std::string& path = pointer == kFilePointer ? own_path_ : text_path_;
   difference->place = TreePlace{path, std::move(pointer), {}};
 }
 
+// Finds the difference of a value's record in what holds the value.
 void PlaceFinder::FindRecord(const Outline& outline, std::size_t node) {
-  const auto found = by_key_.find(outline[outline[node].parent].key);
-  if (found == by_key_.end()) return;
+  OfKey* of_key = FindKey(outline[outline[node].parent].key);
+  if (of_key == nullptr) return;
   const Record record = RecordOf(outline, node);
-  for (const std::size_t i : found->second) {
-    Difference& difference = differences_[i];
-    if (difference.place || difference.wanted != record.value) continue;
-    const std::string* field = std::get_if<std::string>(&difference.record);
-    const Element* element = std::get_if<Element>(&difference.record);
-    const bool is_it = field != nullptr
-                           ? record.parent == ParentKind::kHash && *field == record.field
-                           : element != nullptr && record.parent == ParentKind::kList &&
-                                 element->wanted_index == outline[node].index;
-    if (is_it) Set(&difference, PointerOf(outline, node));
+  Difference* difference = record.parent == ParentKind::kList
+                               ? of_key->FindElement(of_key->elements++)
+                               : of_key->FindField(record.field);
+  if (difference != nullptr && difference->wanted == record.value) {
+    Set(difference, PointerOf(outline, node));
   }
 }
 
-void PlaceFinder::FindExtra(const Outline& outline, std::size_t node) {
-  const auto found = by_key_.find(outline[node].key);
-  if (found == by_key_.end()) return;
-  for (const std::size_t i : found->second) {
-    Difference& difference = differences_[i];
-    if (difference.place || difference.change != Change::kExtra) continue;
-    std::string name;
-    if (const std::string* field = std::get_if<std::string>(&difference.record)) {
-      name = MemberOfField(difference.key, *field);
-    } else if (const Element* element = std::get_if<Element>(&difference.record)) {
-      name = std::to_string(element->stored_index);
-    } else {
-      continue;
+// The name or index that an extra record would have in the tree.
+std::string NameOfExtra(const Difference& difference) {
+  if (const Element* element = std::get_if<Element>(&difference.record)) {
+    return std::to_string(element->stored_index);
+  }
+  return MemberOfField(difference.key, std::get<std::string>(difference.record));
+}
+
+// Finds the difference of the whole key of an object or array, and those of extra records in it.
+void PlaceFinder::FindOthers(const Outline& outline, std::size_t node) {
+  OfKey* of_key = FindKey(outline[node].key);
+  if (of_key == nullptr || of_key->is_met) return;
+  of_key->is_met = true;
+  const std::string pointer = PointerOf(outline, node);
+  for (Difference* at = of_key->begin; at != of_key->end; ++at) {
+    if (std::holds_alternative<WholeKey>(at->record)) {
+      Set(at, pointer);
+    } else if (at->change == Change::kExtra) {
+      Set(at, ChildPointer(pointer, NameOfExtra(*at)));
     }
-    Set(&difference, ChildPointer(PointerOf(outline, node), name));
   }
 }
 
-void PlaceFinder::FindWholeKey(const Outline& outline, std::size_t node) {
-  const auto found = by_key_.find(outline[node].key);
-  if (found == by_key_.end()) return;
-  Difference& difference = differences_[found->second.front()];
-  const bool is_whole = std::holds_alternative<WholeKey>(difference.record);
-  if (is_whole && difference.change != Change::kExtra) {
-    Set(&difference, PointerOf(outline, node));
+void PlaceFinder::LookAtParts(const Outline& outline) {
+  std::vector<bool> is_written(outline.size(), false);
+  for (std::size_t i = 0; i < outline.size(); ++i) {
+    const Node& node = outline[i];
+    if (i != 0) {
+      if (!is_written[node.parent]) continue;
+      FindRecord(outline, i);
+    }
+    const bool has_key = node.kind == NodeKind::kObject || node.kind == NodeKind::kArray;
+    if (!has_key || (node.has_own_id && !resources_.insert(node.key).second)) continue;
+    is_written[i] = true;
+    FindOthers(outline, i);
   }
 }
 
@@ -150,17 +203,10 @@ void PlaceFinder::LookInto(const std::string& path, const std::string& listed_ke
   IncludeInResource(&resource);
   const json_t* root = resource.file.root.get();
   if (resource.end != LoadEnd::kDone || !MayWrite(resource.key, root)) return;
+  if (!resources_.insert(resource.key).second) return;
   own_path_ = path;
   text_path_ = resource.inclusion.file.root ? resource.inclusion.path : path;
-  const Outline outline = OutlineOf(root, resource.key);
-  for (std::size_t node = 0; node < outline.size(); ++node) {
-    if (node != 0) FindRecord(outline, node);
-    const NodeKind kind = outline[node].kind;
-    if (kind == NodeKind::kObject || kind == NodeKind::kArray) {
-      FindWholeKey(outline, node);
-      FindExtra(outline, node);
-    }
-  }
+  LookAtParts(OutlineOf(root, resource.key));
 }
 
 void PlaceFinder::Locate() {
