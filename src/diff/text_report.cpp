@@ -2,13 +2,18 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include <algorithm>
+#include <map>
+#include <string>
+#include <tuple>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "diff/change_plan.h"
 #include "diff/comparison.h"
 #include "diff/report.h"
 #include "diff/resources.h"
+#include "layout/record_parts.h"
 #include "text/utf8.h"
 #include "tool/color.h"
 
@@ -17,6 +22,33 @@ namespace ostrafel {
 namespace {
 
 enum class Sign { kBoth = ' ', kStored = '-', kWanted = '+' };
+
+// The differences of one member of a hash, such as a scalar that became an object, or of one
+// element of a list.
+using Member = std::vector<const Difference*>;
+
+// The members of a key that differ: of a hash by name, of a list in order.
+std::vector<Member> MembersOf(const KeyChange& change) {
+  std::vector<Member> members;
+  std::map<std::string, Member> by_name;
+  for (const Difference* at = change.begin; at != change.end; ++at) {
+    if (const std::string* field = std::get_if<std::string>(&at->record)) {
+      by_name[MemberOfField(at->key, *field)].push_back(at);
+    } else {
+      members.push_back({at});
+    }
+  }
+  for (auto& [name, member] : by_name) members.push_back(std::move(member));
+  return members;
+}
+
+// The field of a difference, or one of the two indexes of an element.
+std::string NameOf(const Difference& difference, std::size_t Element::*index) {
+  if (const Element* element = std::get_if<Element>(&difference.record)) {
+    return std::to_string(element->*index);
+  }
+  return std::get<std::string>(difference.record);
+}
 
 class TextWriter {
  public:
@@ -27,6 +59,8 @@ class TextWriter {
 
  private:
   void WriteKey(const KeyChange& change);
+  void WriteWholeKey(const Difference& difference);
+  void WriteMember(const Member& member);
   void WriteHeading(Sign sign, Kind kind, const std::string& key);
   void WritePlace(const Difference& difference);
   void WriteRecord(Sign sign, const std::string& name, const std::string& value);
@@ -78,37 +112,38 @@ void TextWriter::WriteAll(Sign sign, const Server& store, const std::string& key
   }
 }
 
+void TextWriter::WriteWholeKey(const Difference& difference) {
+  const std::string& key = difference.key;
+  if (difference.change != Change::kMissing) {
+    WriteHeading(Sign::kStored, KindOf(report_.stored.keys.find(key)->second), key);
+    if (difference.change == Change::kExtra) WritePlace(difference);
+    WriteAll(Sign::kStored, report_.stored, key);
+  }
+  if (difference.change != Change::kExtra) {
+    WriteHeading(Sign::kWanted, difference.kind, key);
+    WritePlace(difference);
+    WriteAll(Sign::kWanted, report_.wanted, key);
+  }
+}
+
+void TextWriter::WriteMember(const Member& member) {
+  const auto placed = std::find_if(member.begin(), member.end(), [](const Difference* difference) {
+    return difference->place.has_value();
+  });
+  if (placed != member.end()) WritePlace(**placed);
+  for (const Difference* at : member) {
+    if (at->stored) WriteRecord(Sign::kStored, NameOf(*at, &Element::stored_index), *at->stored);
+  }
+  for (const Difference* at : member) {
+    if (at->wanted) WriteRecord(Sign::kWanted, NameOf(*at, &Element::wanted_index), *at->wanted);
+  }
+}
+
 void TextWriter::WriteKey(const KeyChange& change) {
   const Difference& first = *change.begin;
-  const std::string& key = first.key;
-  if (std::holds_alternative<WholeKey>(first.record)) {
-    if (first.change != Change::kMissing) {
-      WriteHeading(Sign::kStored, KindOf(report_.stored.keys.find(key)->second), key);
-      WriteAll(Sign::kStored, report_.stored, key);
-    }
-    if (first.change != Change::kExtra) {
-      WriteHeading(Sign::kWanted, first.kind, key);
-      WritePlace(first);
-      WriteAll(Sign::kWanted, report_.wanted, key);
-    }
-    return;
-  }
-  WriteHeading(Sign::kBoth, first.kind, key);
-  for (const Difference* at = change.begin; at != change.end; ++at) {
-    const bool is_first = at == change.begin;
-    const auto has_place_of = [](const Difference& a, const Difference& b) {
-      return a.place && b.place && a.place->path == b.place->path &&
-             a.place->pointer == b.place->pointer;
-    };
-    if (is_first || !has_place_of(*at, *(at - 1))) WritePlace(*at);
-    const std::string* field = std::get_if<std::string>(&at->record);
-    const Element* element = std::get_if<Element>(&at->record);
-    const auto name = [&](std::size_t Element::*index) {
-      return field != nullptr ? *field : std::to_string(element->*index);
-    };
-    if (at->stored) WriteRecord(Sign::kStored, name(&Element::stored_index), *at->stored);
-    if (at->wanted) WriteRecord(Sign::kWanted, name(&Element::wanted_index), *at->wanted);
-  }
+  if (std::holds_alternative<WholeKey>(first.record)) return WriteWholeKey(first);
+  WriteHeading(Sign::kBoth, first.kind, first.key);
+  for (const Member& member : MembersOf(change)) WriteMember(member);
 }
 
 std::string TextWriter::Write() {

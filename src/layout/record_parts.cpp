@@ -15,9 +15,13 @@ std::string MemberOfField(const std::string& key, std::string_view field) {
     const std::string_view rest = field.substr(marker.size());
     const std::size_t last = rest.rfind(' ');
     if (last == std::string_view::npos) break;
+    const std::string start = DerivedKey(key, "");
     for (std::size_t blank = rest.find(' '); blank < last; blank = rest.find(' ', blank + 1)) {
+      const std::string_view target = rest.substr(blank + 1);
+      // Compared first, as a field may have many blanks.
+      if (target.substr(0, start.size()) != start) continue;
       std::string name(rest.substr(0, blank));
-      if (rest.substr(blank + 1) == DerivedKey(key, name)) return name;
+      if (target == DerivedKey(key, name)) return name;
     }
     return std::string(rest.substr(0, last));
   }
