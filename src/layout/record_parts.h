@@ -12,7 +12,8 @@ namespace ostrafel {
 
 /// The name of the member that a field of the hash at key is recorded for: the field itself, or the
 /// name in a reference record. Where blanks allow several readings, the one whose target is the
-/// derived key of its name; else the one whose target has no blank.
+/// derived key of its name; else the first whose target begins like a key, with "/" or "&&"; else
+/// the one whose target has no blank.
 [[nodiscard]] std::string MemberOfField(const std::string& key, std::string_view field);
 
 /// True when key begins like a derived key.
