@@ -4,10 +4,12 @@
 #include "diff/apply.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
-#include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "diff/change_plan.h"
@@ -15,12 +17,16 @@
 #include "diff/resources.h"
 #include "live/session.h"
 #include "live/store_reading.h"
+#include "tool/grouped.h"
 
 namespace ostrafel {
 
 namespace {
 
 using Changes = std::vector<KeyChange>;
+
+// A WATCH of all keys would block the server for as long as it takes to watch them all.
+constexpr std::size_t kKeysInWatch = 100;
 
 std::vector<std::string> KeysOf(const Changes& changes) {
   std::vector<std::string> keys;
@@ -39,38 +45,82 @@ Server PartOf(const Server& store, const std::vector<std::string>& keys) {
   return part;
 }
 
-// From here on the transaction fails when one of the keys changes.
-void Watch(redisContext* context, const std::vector<std::string>& keys) {
-  Words words = {"WATCH"};
-  words.insert(words.end(), keys.begin(), keys.end());
-  RefuseError(*AskServer(context, words), "WATCH");
+// Refuses any other reply than this status.
+void RequireStatus(const redisReply& reply, std::string_view status, const std::string& command) {
+  RefuseError(reply, command);
+  if (reply.type == REDIS_REPLY_STATUS && TextOf(reply) == status) return;
+  throw std::runtime_error("Redis answers " + command + " with something else than " +
+                           std::string(status));
 }
 
-// Sends the commands of the changes as one transaction. False when a watched key has changed.
-bool Execute(redisContext* context, const Changes& changes, const Server& stored,
-             const Server& wanted) {
+// From here on a transaction fails when one of the keys changes.
+void Watch(redisContext* context, const std::vector<std::string>& keys) {
   LivePipeline pipeline(context);
-  pipeline.Append({"MULTI"});
-  std::size_t count = 1;
+  std::size_t commands = 0;
+  for (std::size_t begin = 0; begin < keys.size(); begin += kKeysInWatch, ++commands) {
+    const std::size_t end = std::min(keys.size(), begin + kKeysInWatch);
+    Words words = {"WATCH"};
+    for (std::size_t i = begin; i < end; ++i) words.emplace_back(keys[i]);
+    pipeline.Append(words);
+  }
+  for (; commands > 0; --commands) RequireStatus(*pipeline.Next(), "OK", "WATCH");
+}
+
+std::vector<Command> CommandsFor(const Changes& changes, const Server& stored,
+                                 const Server& wanted) {
+  std::vector<Command> commands;
   for (const KeyChange& change : changes) {
-    for (const Command& command : CommandsFor(change, stored, wanted)) {
-      pipeline.Append(Words(command.begin(), command.end()));
-      ++count;
-    }
+    std::vector<Command> of_key = CommandsFor(change, stored, wanted);
+    std::move(of_key.begin(), of_key.end(), std::back_inserter(commands));
   }
-  pipeline.Append({"EXEC"});
-  std::string refusal;
-  for (std::size_t i = 0; i < count; ++i) {
-    const Reply reply = pipeline.Next();
-    if (reply->type == REDIS_REPLY_ERROR && refusal.empty()) refusal = TextOf(*reply);
+  return commands;
+}
+
+// Has the server keep the commands for EXEC, all of them.
+void Queue(redisContext* context, const std::vector<Command>& commands) {
+  // Alone: after a MULTI that is refused, commands would be carried out as they come.
+  RequireStatus(*AskServer(context, {"MULTI"}), "OK", "MULTI");
+  LivePipeline pipeline(context);
+  for (const Command& command : commands) pipeline.Append(Words(command.begin(), command.end()));
+  for (const Command& command : commands) {
+    RequireStatus(*pipeline.Next(), "QUEUED", command.front());
   }
-  const Reply results = pipeline.Next();
-  if (!refusal.empty()) {
-    throw std::runtime_error("Redis refuses to be changed, and is as it was: " + refusal);
-  }
-  RefuseError(*results, "EXEC");
+}
+
+// Has so many commands that are queued carried out. False when a watched key has changed.
+bool Execute(redisContext* context, std::size_t commands) {
+  const Reply results = AskServer(context, {"EXEC"});
   if (results->type == REDIS_REPLY_NIL) return false;
-  for (std::size_t i = 0; i < results->elements; ++i) RefuseError(*results->element[i], "EXEC");
+  RefuseError(*results, "EXEC");
+  if (results->type != REDIS_REPLY_ARRAY || results->elements != commands) {
+    throw std::runtime_error("Redis answers EXEC with something else than it should");
+  }
+  for (std::size_t i = 0; i < commands; ++i) {
+    RefuseError(*results->element[i], "a command of the transaction");
+  }
+  return true;
+}
+
+// Carries out the changes as one transaction. False when another client has changed one of these
+// keys.
+bool CarryOut(redisContext* context, const Changes& changes, const Server& stored,
+              const Server& wanted, Applied* applied) {
+  const std::vector<std::string> keys = KeysOf(changes);
+  const Server expected = PartOf(stored, keys);
+  Watch(context, keys);
+  if (!CompareStores(expected, ReadKeys(context, keys, expected)).empty()) {
+    RequireStatus(*AskServer(context, {"UNWATCH"}), "OK", "UNWATCH");
+    return false;
+  }
+  const std::vector<Command> commands = CommandsFor(changes, stored, wanted);
+  Queue(context, commands);
+  applied->is_in_doubt = true;
+  const bool is_done = Execute(context, commands.size());
+  applied->is_in_doubt = false;
+  if (!is_done) return false;
+  ++applied->transactions;
+  applied->keys += changes.size();
+  for (const KeyChange& change : changes) applied->records += CountRecords(change, stored, wanted);
   return true;
 }
 
@@ -79,9 +129,9 @@ std::vector<Changes> Transactions(const Changes& changes, const Server& stored,
                                   const Server& wanted, std::optional<std::size_t> batch) {
   if (!batch) {
     if (changes.size() > kKeysChangedAtOnce) {
-      throw std::runtime_error(std::to_string(changes.size()) +
-                               " keys differ, more than one transaction changes (" +
-                               std::to_string(kKeysChangedAtOnce) + "): see --batch");
+      throw std::runtime_error(Counted(changes.size(), "key") +
+                               " differ, more than one transaction changes (" +
+                               Grouped(kKeysChangedAtOnce) + "): see --batch");
     }
     return changes.empty() ? std::vector<Changes>() : std::vector<Changes>{changes};
   }
@@ -109,18 +159,7 @@ bool ApplyDifferences(redisContext* context, const Server& stored, const Server&
                       const Differences& differences, std::optional<std::size_t> batch,
                       Applied* applied) {
   for (const Changes& changes : Transactions(GroupByKey(differences), stored, wanted, batch)) {
-    const std::vector<std::string> keys = KeysOf(changes);
-    const Server expected = PartOf(stored, keys);
-    Watch(context, keys);
-    if (!CompareStores(expected, ReadKeys(context, keys, expected)).empty()) {
-      RefuseError(*AskServer(context, {"UNWATCH"}), "UNWATCH");
-      return false;
-    }
-    if (!Execute(context, changes, stored, wanted)) return false;
-    ++applied->transactions;
-    applied->keys += changes.size();
-    for (const KeyChange& change : changes)
-      applied->records += CountRecords(change, stored, wanted);
+    if (!CarryOut(context, changes, stored, wanted, applied)) return false;
   }
   return true;
 }

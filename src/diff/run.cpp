@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <future>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,6 +24,7 @@
 #include "live/store_reading.h"
 #include "memory/glob.h"
 #include "play/play.h"
+#include "tool/grouped.h"
 #include "tool/output.h"
 #include "tool/tool.h"
 
@@ -148,18 +151,45 @@ int Show(Comparison* comparison) {
   return comparison->differences.empty() ? kEqual : kDifferent;
 }
 
-// Compares and changes the store; again when others change it, too. Returns the exit status.
-int Apply(redisContext* context, Comparison* comparison) {
-  Applied applied;
+// Compares and changes the store; again when others change it, too. False, after a message, when
+// the store could not be changed.
+bool ApplyTo(redisContext* context, Comparison* comparison, Applied* applied) {
   for (int attempts = 0; attempts < kMostAttempts; ++attempts) {
     if (attempts > 0) ReadAgain(context, comparison);
-    if (!IsSteady(comparison->reading) || !Compare(comparison)) return kTrouble;
+    if (!IsSteady(comparison->reading) || !Compare(comparison)) return false;
     if (ApplyDifferences(context, comparison->reading.store, comparison->wanted,
-                         comparison->differences, comparison->options.batch, &applied)) {
-      return PrintReport(*comparison, applied) ? kEqual : kTrouble;
+                         comparison->differences, comparison->options.batch, applied)) {
+      return true;
     }
   }
   PrintTrouble("others have changed the store each time that it was to be changed");
+  return false;
+}
+
+// Says what has become of a store that could not be changed to the end.
+void PrintState(const Applied& applied) {
+  if (applied.is_in_doubt) {
+    PrintTrouble("it is not known whether the last transaction was carried out");
+  }
+  if (applied.transactions > 0) {
+    PrintTrouble("the store was changed before: " + Counted(applied.keys, "key") + " in " +
+                 Counted(applied.transactions, "transaction"));
+  } else if (!applied.is_in_doubt) {
+    PrintTrouble("the store was not changed");
+  }
+}
+
+// Compares, changes the store and prints. Returns the exit status.
+int Apply(redisContext* context, Comparison* comparison) {
+  Applied applied;
+  bool is_applied = false;
+  try {
+    is_applied = ApplyTo(context, comparison, &applied);
+  } catch (const std::runtime_error& error) {
+    PrintTrouble(error.what());
+  }
+  if (is_applied) return PrintReport(*comparison, applied) ? kEqual : kTrouble;
+  PrintState(applied);
   return kTrouble;
 }
 
