@@ -4,6 +4,7 @@
 #include "diff/change_plan.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "diff/comparison.h"
@@ -69,39 +70,72 @@ List ChangedList(const KeyChange& change, const List& stored) {
   return list;
 }
 
-void ChangeList(const KeyChange& change, const List& stored, std::vector<Command>* commands) {
-  const std::string& key = change.begin->key;
-  const List target = ChangedList(change, stored);
-  const auto count = static_cast<std::size_t>(change.end - change.begin);
+// The one command for one element that comes or goes beside the first of its value, which names it;
+// empty for others.
+Command ChangeOneElement(const Difference& difference, const List& stored) {
+  const std::size_t index = std::get<Element>(difference.record).stored_index;
+  if (difference.change == Change::kChanged || index == stored.size()) return {};
+  const auto element = stored.begin() + static_cast<std::ptrdiff_t>(index);
+  if (std::find(stored.begin(), element, *element) != element) return {};
+  if (difference.change == Change::kExtra) return {"LREM", difference.key, "1", *element};
+  return {"LINSERT", difference.key, "BEFORE", *element, *difference.wanted};
+}
+
+// Writes the elements one by one.
+void SetElements(const KeyChange& change, std::vector<Command>* commands) {
+  for (const Difference* at = change.begin; at != change.end; ++at) {
+    const std::size_t index = std::get<Element>(at->record).stored_index;
+    commands->push_back({"LSET", at->key, std::to_string(index), *at->wanted});
+  }
+}
+
+// The elements that two lists have in common from there on.
+template <typename Iterator>
+std::size_t CountCommon(Iterator begin, Iterator end, Iterator other_begin, Iterator other_end) {
+  return static_cast<std::size_t>(std::mismatch(begin, end, other_begin, other_end).first - begin);
+}
+
+// Cuts off the end that is longer in common from the rest, and pushes that anew.
+void PushRest(const std::string& key, const List& stored, const List& target,
+              std::vector<Command>* commands) {
+  const std::size_t start = CountCommon(stored.begin(), stored.end(), target.begin(), target.end());
+  const std::size_t end =
+      CountCommon(stored.rbegin(), stored.rend(), target.rbegin(), target.rend());
+  const std::size_t kept = std::max(start, end);
+  const bool keeps_start = start >= end;
+  if (kept == 0) {
+    commands->push_back({"DEL", key});
+  } else if (kept < stored.size() && keeps_start) {
+    commands->push_back({"LTRIM", key, "0", std::to_string(kept - 1)});
+  } else if (kept < stored.size()) {
+    commands->push_back({"LTRIM", key, "-" + std::to_string(kept), "-1"});
+  }
+  LongCommand pushed({keeps_start ? "RPUSH" : "LPUSH", key}, commands);
+  for (std::size_t i = kept; i < target.size(); ++i) {
+    pushed.Append({keeps_start ? target[i] : target[target.size() - 1 - i]});
+  }
+}
+
+std::size_t CountWords(const std::vector<Command>& commands) {
+  return std::accumulate(
+      commands.begin(), commands.end(), std::size_t{0},
+      [](std::size_t words, const Command& command) { return words + command.size(); });
+}
+
+std::vector<Command> ChangeList(const KeyChange& change, const List& stored) {
+  if (change.end - change.begin == 1) {
+    Command command = ChangeOneElement(*change.begin, stored);
+    if (!command.empty()) return {std::move(command)};
+  }
+  std::vector<Command> pushed;
+  PushRest(change.begin->key, stored, ChangedList(change, stored), &pushed);
   const bool stays_long = std::all_of(change.begin, change.end, [](const Difference& difference) {
     return difference.change == Change::kChanged;
   });
-  const auto start = static_cast<std::size_t>(
-      std::mismatch(stored.begin(), stored.end(), target.begin(), target.end()).first -
-      stored.begin());
-  const auto end = static_cast<std::size_t>(
-      std::mismatch(stored.rbegin(), stored.rend(), target.rbegin(), target.rend()).first -
-      stored.rbegin());
-  const std::size_t from_start = target.size() - start;  // to push behind what is kept
-  const std::size_t from_end = target.size() - end;      // to push before what is kept
-  if (stays_long && count <= std::min(from_start, from_end)) {
-    for (const Difference* at = change.begin; at != change.end; ++at) {
-      const std::size_t index = std::get<Element>(at->record).stored_index;
-      commands->push_back({"LSET", key, std::to_string(index), *at->wanted});
-    }
-  } else if (from_start <= from_end) {
-    if (start == 0) {
-      commands->push_back({"DEL", key});
-    } else if (start < stored.size()) {
-      commands->push_back({"LTRIM", key, "0", std::to_string(start - 1)});
-    }
-    LongCommand pushed({"RPUSH", key}, commands);
-    for (std::size_t i = start; i < target.size(); ++i) pushed.Append({target[i]});
-  } else {
-    if (end < stored.size()) commands->push_back({"LTRIM", key, "-" + std::to_string(end), "-1"});
-    LongCommand pushed({"LPUSH", key}, commands);
-    for (std::size_t i = from_end; i > 0; --i) pushed.Append({target[i - 1]});
-  }
+  if (!stays_long) return pushed;
+  std::vector<Command> set;
+  SetElements(change, &set);
+  return CountWords(set) <= CountWords(pushed) ? set : pushed;
 }
 
 }  // namespace
@@ -140,7 +174,7 @@ std::vector<Command> CommandsFor(const KeyChange& change, const Server& stored,
   } else if (first.kind == Kind::kHash) {
     ChangeHash(change, &commands);
   } else {
-    ChangeList(change, std::get<List>(stored.keys.find(key)->second), &commands);
+    commands = ChangeList(change, std::get<List>(stored.keys.find(key)->second));
   }
   return commands;
 }

@@ -29,12 +29,17 @@ struct KeyChange {
 
 using Command = std::vector<std::string>;
 
-/// The fewest commands that take these differences, and no others, out of what a key holds in
-/// stored: at most three, but for values with more than kMostWords fields or elements.
+/// The shortest commands, counted in words, that take these differences, and no others, out of what
+/// a key holds in stored:
+///
+///   a whole key  DEL, if there is one, and HSET or RPUSH
+///   a hash       HSET of all fields that are missing or changed, HDEL of those that are extra
+///   a list       LSET of each element when all are changed; LREM or LINSERT of a single one; or
+///                LTRIM to what is right at one end (DEL when nothing is), and RPUSH or LPUSH
 [[nodiscard]] std::vector<Command> CommandsFor(const KeyChange& change, const Server& stored,
                                                const Server& wanted);
 
-/// A command that is longer is cut into several.
+/// A command that would be longer is cut into several.
 inline constexpr std::size_t kMostWords = 1000;
 
 }  // namespace ostrafel
