@@ -5,7 +5,6 @@
 
 #include <unistd.h>
 
-#include <optional>
 #include <utility>
 
 #include "support/resp.h"
@@ -34,6 +33,11 @@ void Recorder::CutAfter(std::size_t flight, std::size_t replies) {
   const std::lock_guard<std::mutex> lock(mutex_);
   plans_[flight].is_cut = true;
   plans_[flight].replies_before_cut = replies;
+}
+
+void Recorder::CutAfterBytes(std::size_t flight, std::size_t bytes) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  plans_[flight].bytes_before_cut = bytes;
 }
 
 void Recorder::KillAfter(std::size_t flight, std::size_t commands) {
@@ -98,7 +102,8 @@ Delivery Recorder::Answer(const std::vector<model::Command>& commands) {
       is_answered = !plan.has_answer && ReadSome(server_, &incoming);
     }
   }
-  flight.cut_short = plan.is_cut || plan.is_kill || !is_answered;
+  if (plan.bytes_before_cut) delivery.bytes.resize(*plan.bytes_before_cut);
+  flight.cut_short = plan.is_cut || plan.bytes_before_cut || plan.is_kill || !is_answered;
   delivery.is_last = flight.cut_short;
   delivery.kills_client = plan.is_kill;
   return delivery;

@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,9 @@ class Recorder : private FlightHandler {
   /// both done: what it sends next meets a peer that is gone.
   void CutAfter(std::size_t flight, std::size_t replies);
 
+  /// Likewise, after so many bytes of the replies.
+  void CutAfterBytes(std::size_t flight, std::size_t bytes);
+
   /// Kills the client, which must be a process of its own, when this flight has come. The server
   /// gets only the first commands of the flight, as if the client had come no further with sending.
   void KillAfter(std::size_t flight, std::size_t commands);
@@ -68,6 +72,7 @@ class Recorder : private FlightHandler {
     std::string answer;
     bool is_cut = false;
     std::size_t replies_before_cut = 0;
+    std::optional<std::size_t> bytes_before_cut;
     bool is_kill = false;
     std::size_t commands_before_kill = 0;
     std::function<void()> before;
