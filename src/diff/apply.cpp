@@ -88,8 +88,12 @@ void Queue(redisContext* context, const std::vector<Command>& commands) {
 }
 
 // Has so many commands that are queued carried out. False when a watched key has changed.
-bool Execute(redisContext* context, std::size_t commands) {
+bool Execute(redisContext* context, std::size_t commands, Applied* applied) {
+  applied->is_in_doubt = true;
   const Reply results = AskServer(context, {"EXEC"});
+  if (results->type == REDIS_REPLY_NIL || results->type == REDIS_REPLY_ERROR) {
+    applied->is_in_doubt = false;  // the server has dropped all of it
+  }
   if (results->type == REDIS_REPLY_NIL) return false;
   RefuseError(*results, "EXEC");
   if (results->type != REDIS_REPLY_ARRAY || results->elements != commands) {
@@ -98,6 +102,7 @@ bool Execute(redisContext* context, std::size_t commands) {
   for (std::size_t i = 0; i < commands; ++i) {
     RefuseError(*results->element[i], "a command of the transaction");
   }
+  applied->is_in_doubt = false;
   return true;
 }
 
@@ -114,10 +119,7 @@ bool CarryOut(redisContext* context, const Changes& changes, const Server& store
   }
   const std::vector<Command> commands = CommandsFor(changes, stored, wanted);
   Queue(context, commands);
-  applied->is_in_doubt = true;
-  const bool is_done = Execute(context, commands.size());
-  applied->is_in_doubt = false;
-  if (!is_done) return false;
+  if (!Execute(context, commands.size(), applied)) return false;
   ++applied->transactions;
   applied->keys += changes.size();
   for (const KeyChange& change : changes) applied->records += CountRecords(change, stored, wanted);
