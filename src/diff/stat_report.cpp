@@ -56,7 +56,7 @@ std::size_t CountAll(const Server& store) {
 }  // namespace
 
 std::string DiffSummary(const DiffReport& report) {
-  if (report.applied) {
+  if (report.applied && report.applied->transactions > 0) {
     std::string text = "changed " + Counted(report.applied->keys, "key") + ", " +
                        Counted(report.applied->records, "record");
     if (report.applied->transactions > 1) {
