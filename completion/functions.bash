@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 
-# What the completions for Ostrafel and ostrafel-check share.
+# What the completions for Ostrafel and its tools share.
 
 # --- The line ------------------------------------------------------------------------------------
 
@@ -226,6 +226,61 @@ _ostrafel_offer_names() {
     _ostrafel_offer "$name"
   done
 }
+
+# --- Programs with options -----------------------------------------------------------------------
+
+_ostrafel_offer_words() {
+  local word
+  for word; do
+    _ostrafel_offer "$word"
+  done
+}
+
+# _ostrafel_takes_value FUNCTION OPTION: see below.
+_ostrafel_takes_value() {
+  local -a COMPREPLY=()
+  local current=$'\n'  # begins nothing that is offered
+  "$@"
+}
+
+# _ostrafel_offer_for_tool FUNCTION OPTION...: for a line of options and a tree's arguments. The
+# function offers values for an option that takes one, and returns 1 for any other.
+# shellcheck disable=SC2154  # _ostrafel_complete sets the words
+_ostrafel_offer_for_tool() {
+  local offer_values=$1 word option='' ended='' real_path='' start
+  local -a arguments=()
+  for word in "${words[@]:1:${#words[@]}-2}"; do
+    if [[ $option ]]; then
+      option=''
+    elif [[ $ended || $word != -?* ]]; then
+      arguments+=("$word")
+    elif [[ $word == -- ]]; then
+      ended=yes
+    elif _ostrafel_takes_value "$offer_values" "$word"; then
+      option=$word
+    fi
+  done
+  if [[ ! $option && ! $ended && $current == --*=* ]]; then
+    # readline replaces what is behind the sign.
+    start=${current%%=*}=
+    option=${start%=} current=${current#"$start"}
+    kept=$((kept < ${#start} ? 0 : kept - ${#start}))
+  fi
+  ((${#arguments[@]} == 0)) || _ostrafel_find_real_path "${arguments[0]}"
+  if [[ $option ]]; then
+    "$offer_values" "$option"
+  elif [[ ! $ended && $current == -* ]]; then
+    _ostrafel_offer_words "${@:2}"
+  else
+    case ${#arguments[@]} in
+      0) _ostrafel_offer_paths '*.[jJ][sS][oO][nN]' ;;
+      1) _ostrafel_offer_uri "$real_path" ;;
+      2) _ostrafel_offer_names "$real_path" ;;
+    esac
+  fi
+}
+
+# --- The program ---------------------------------------------------------------------------------
 
 # _ostrafel_complete PROGRAM FUNCTION: takes the line apart and calls the function, which finds
 #   words     the program and its arguments, the last of which is to be completed

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Ostrafel developers
 # SPDX-License-Identifier: Apache-2.0
 
-# What the completions for Ostrafel and ostrafel-check share.
+# What the completions for Ostrafel and its tools share.
 
 # Sets REPLY to the path that a word of the line leads to. Only a variable or a tilde at its start is
 # expanded: anything more could run something.

@@ -4,8 +4,8 @@
 # shellcheck disable=SC2016  # dollars in single quotes are for the shell that is typed at
 
 # For the tests of completion: a real interactive shell on a terminal of its own, to which keys are
-# typed. What it completes is seen in what a command then gets as its arguments: Ostrafel and
-# ostrafel-check are functions there that write them down.
+# typed. What it completes is seen in what a command then gets as its arguments: Ostrafel and its
+# tools are functions there that write them down.
 
 # shellcheck source-path=SCRIPTDIR source=../support/checks.bash
 . "${BASH_SOURCE[0]%/*}/../support/checks.bash"
@@ -78,7 +78,7 @@ TREES
 # Lines for the start of the shell.
 make_commands() {
   local command
-  for command in Ostrafel ostrafel-check; do
+  for command in Ostrafel ostrafel-check ostrafel-diff; do
     printf '%s() { printf "<%%s>" "$@" >"%s/new" && mv "%s/new" "%s/arguments"; }\n' \
       "$command" "$work" "$work" "$work"
   done
@@ -218,8 +218,26 @@ ostrafel-check tree / Pa<TAB> => <tree></><Patch.JSON>
 ostrafel-check tree / index.json tr<TAB> => <tree></><index.json><tr>
 '
 
-# The common cases for a folder; those of ostrafel-check only where it is installed.
+# And for ostrafel-diff.
+readonly diff_cases='
+ostrafel-diff --up<TAB> --form<TAB> js<TAB> tr<TAB> => <--update><--format><json><tree/>
+ostrafel-diff --app<TAB> tree <TAB> => <--apply><tree></redfish/v2>
+ostrafel-diff --color=al<TAB> => <--color=always>
+# Another tree; files; what only the user knows.
+ostrafel-diff --against ov<TAB> tr<TAB> => <--against><overlay/><tree/>
+ostrafel-diff --against=not<TAB> => <--against=not>
+ostrafel-diff --socket not<TAB> tr<TAB> => <--socket><notes.txt><tree/>
+ostrafel-diff --password-file=not<TAB> => <--password-file=notes.txt>
+ostrafel-diff --www sing<TAB> => <--www><sing>
+ostrafel-diff --tcp tr<TAB> tr<TAB> => <--tcp><tr><tree/>
+ostrafel-diff --batch 5 --ignore t<TAB> tree <TAB> => <--batch><5><--ignore><t><tree></redfish/v2>
+# The arguments.
+ostrafel-diff -q tree / Pa<TAB> => <-q><tree></><Patch.JSON>
+ostrafel-diff odd <TAB> => <odd></with blank/$(touch @FOLDER@/ran)`touch @FOLDER@/ran`'"'"'x>
+'
+
+# The common cases for a folder; those of the tools only where they are installed.
 cases_in() {
   printf '%s' "${common_cases//'@FOLDER@'/$1}"
-  [[ ! -e $installed/bin/ostrafel-check ]] || printf '%s' "${check_cases//'@FOLDER@'/$1}"
+  [[ ! -e $installed/bin/ostrafel-check ]] || printf '%s' "${check_cases//'@FOLDER@'/$1}${diff_cases//'@FOLDER@'/$1}"
 }
