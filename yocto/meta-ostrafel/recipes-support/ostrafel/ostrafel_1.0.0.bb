@@ -32,7 +32,8 @@ EXTRA_OECMAKE = "\
     -DOSTRAFEL_REDIS_USER=redis \
 "
 PACKAGECONFIG[manpages] = "-DOSTRAFEL_MANUAL=ON,-DOSTRAFEL_MANUAL=OFF,scdoc-native"
-# For an image on which trees are written. The loader needs nothing of it.
+# For an image on which trees are written, or whose units verify what they load. The loader needs
+# nothing of it.
 PACKAGECONFIG[tools] = "-DOSTRAFEL_TOOLS=ON,-DOSTRAFEL_TOOLS=OFF,nlohmann-json"
 
 # SYSTEMD_SERVICE names none of the units. Redis's start pulls the publisher and the target in, by
@@ -41,7 +42,7 @@ PACKAGECONFIG[tools] = "-DOSTRAFEL_TOOLS=ON,-DOSTRAFEL_TOOLS=OFF,nlohmann-json"
 FILES:${PN} += "${systemd_system_unitdir} ${libexecdir}/ostrafel"
 
 PACKAGES =+ "${PN}-tools ${PN}-zsh-completion"
-FILES:${PN}-tools = "${bindir}/ostrafel-check ${datadir}/ostrafel"
+FILES:${PN}-tools = "${bindir}/ostrafel-check ${bindir}/ostrafel-diff ${datadir}/ostrafel"
 FILES:${PN}-zsh-completion = "${datadir}/zsh"
 
 # By name: without it, hiredis may bring another server. Of util-linux only what locks: BusyBox may be
