@@ -22,6 +22,7 @@ foreach(script
     service/reading_test
     service/units_test
     service/users_test
+    service/verify_test
     yocto/layer_test
     yocto/tree_check_test)
   string(REPLACE "/" "." name ${script})
