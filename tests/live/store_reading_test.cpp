@@ -235,16 +235,15 @@ TEST_F(ReadingCommands, AskForTheTypesOfWhatIsNotKnown) {
   store.keys["/a"] = List{"1"};
   store.keys["/b"] = OtherType();
   Fill(store);
-  EXPECT_EQ(CommandsFor({{"*"}, {}}, {}, 10),
-            "SCAN | 0 | MATCH | * | COUNT | 1000\n"
-            "--\n"
-            "TYPE | /a\n"
+  EXPECT_EQ(CommandsFor({{}, {"/b", "/a", "/none"}}, {}, 10),
             "TYPE | /b\n"
+            "TYPE | /a\n"
+            "TYPE | /none\n"
             "--\n"
             "MULTI\n"
-            "KEYS | *\n"
             "LRANGE | /a | 0 | -1\n"
             "TYPE | /b\n"
+            "HGETALL | /none\n"
             "EXEC\n");
 }
 
