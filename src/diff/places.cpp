@@ -202,8 +202,8 @@ void PlaceFinder::LookInto(const std::string& path, const std::string& listed_ke
   if (resource.end != LoadEnd::kDone) return;
   IncludeInResource(&resource);
   const json_t* root = resource.file.root.get();
-  if (resource.end != LoadEnd::kDone || !MayWrite(resource.key, root)) return;
-  if (!resources_.insert(resource.key).second) return;
+  if (resource.end != LoadEnd::kDone || !resources_.insert(resource.key).second) return;
+  if (!MayWrite(resource.key, root)) return;
   own_path_ = path;
   text_path_ = resource.inclusion.file.root ? resource.inclusion.path : path;
   LookAtParts(OutlineOf(root, resource.key));

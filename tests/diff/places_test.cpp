@@ -169,6 +169,17 @@ TEST_F(PlacesTest, AreInTheFirstOfTwoObjectsWithOneKey) {
                    "missing /x a index.json:1 /A/a", "extra /x b index.json /A/b"}));
 }
 
+TEST_F(PlacesTest, AreInNoObjectOfAFileThatIsNotWritten) {
+  // The second file for "/a" is left out, and "/x" in it with it, though nothing of "/a" differs.
+  Write("A/B/index.json", R"({"@odata.id": "/a", "Name": 1})");
+  Write("A/index.json", R"({"@odata.id": "/a", "In": {"@odata.id": "/x", "Old": 1}})");
+  Write("index.json", "{\"@odata.id\": \"/x\",\n\"New\": 1}");
+  Server stored = Loaded();
+  ASSERT_EQ(HashAt(&stored, "/a").count("Name"), 1U) << "a walk begins with the deepest folder";
+  HashAt(&stored, "/x")["New"] = "2";
+  EXPECT_EQ(Places(stored), (Lines{"changed /x New index.json:2 /New"}));
+}
+
 TEST_F(PlacesTest, AreWhereTheValueThatStaysStands) {
   // Both objects and both arrays lie at one key.
   Write("index.json",
