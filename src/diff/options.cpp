@@ -86,8 +86,9 @@ Step TakeEndpoint(const std::string& text, ServerChoice* server) {
 }
 
 Step TakePattern(const std::string& text, std::vector<std::string>* patterns) {
-  patterns->emplace_back();
-  return TakeFile("ignore", text, &patterns->back());
+  if (text.empty()) return RefuseLine("--ignore needs a pattern that is not empty");
+  patterns->push_back(text);
+  return std::nullopt;
 }
 
 Step TakeLetter(int letter, const std::string& text, State* state) {
@@ -129,8 +130,10 @@ Step TakeLetter(int letter, const std::string& text, State* state) {
 }
 
 // Refuses options that contradict each other.
-Step CheckTogether(const DiffOptions& options) {
-  const bool has_server = options.server.socket_path || options.server.port;
+Step CheckTogether(const State& state) {
+  const DiffOptions& options = state.options;
+  const bool has_server =
+      options.server.socket_path || options.server.port || !state.password_file.empty();
   if (options.server.socket_path && options.server.port) {
     return RefuseLine("--socket and --tcp name two servers");
   }
@@ -155,7 +158,7 @@ DiffCommandLine ParseDiffCommandLine(int argc, char** argv) {
   };
   Step step = ReadOptions(argc, argv, "hq", kOptions.data(), take, &arguments);
   if (!step) step = TakeTreeArguments(arguments, 2, &state.options);
-  if (!step) step = CheckTogether(state.options);
+  if (!step) step = CheckTogether(state);
   if (step) return {std::nullopt, *step};
   // Not an option: everybody may read the command lines of a machine.
   if (const char* password = std::getenv("OSTRAFEL_PASSWORD")) {
