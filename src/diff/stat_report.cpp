@@ -26,6 +26,18 @@ std::size_t RecordsOf(const Server& store, const std::string& key) {
   return found == store.keys.end() ? 0 : CountRecords(found->second);
 }
 
+std::size_t& NumberOf(Change change, Numbers* numbers) {
+  switch (change) {
+    case Change::kMissing:
+      return numbers->missing;
+    case Change::kExtra:
+      return numbers->extra;
+    case Change::kChanged:
+      break;
+  }
+  return numbers->changed;
+}
+
 // A whole key counts with all its records.
 void Count(const DiffReport& report, const KeyChange& change, Numbers* numbers) {
   ++numbers->keys;
@@ -34,9 +46,7 @@ void Count(const DiffReport& report, const KeyChange& change, Numbers* numbers) 
       numbers->missing += RecordsOf(report.wanted, at->key);
       numbers->extra += RecordsOf(report.stored, at->key);
     } else {
-      ++(at->change == Change::kMissing ? numbers->missing
-         : at->change == Change::kExtra ? numbers->extra
-                                        : numbers->changed);
+      ++NumberOf(at->change, numbers);
     }
   }
 }
