@@ -25,7 +25,7 @@ namespace {
 
 using Changes = std::vector<KeyChange>;
 
-// A WATCH of all keys would block the server for as long as it takes to watch them all.
+// A WATCH of all keys, or a pipeline of several, would block the server until it watches them all.
 constexpr std::size_t kKeysInWatch = 100;
 
 std::vector<std::string> KeysOf(const Changes& changes) {
@@ -55,15 +55,12 @@ void RequireStatus(const redisReply& reply, std::string_view status, const std::
 
 // From here on a transaction fails when one of the keys changes.
 void Watch(redisContext* context, const std::vector<std::string>& keys) {
-  LivePipeline pipeline(context);
-  std::size_t commands = 0;
-  for (std::size_t begin = 0; begin < keys.size(); begin += kKeysInWatch, ++commands) {
+  for (std::size_t begin = 0; begin < keys.size(); begin += kKeysInWatch) {
     const std::size_t end = std::min(keys.size(), begin + kKeysInWatch);
     Words words = {"WATCH"};
     for (std::size_t i = begin; i < end; ++i) words.emplace_back(keys[i]);
-    pipeline.Append(words);
+    RequireStatus(*AskServer(context, words), "OK", "WATCH");
   }
-  for (; commands > 0; --commands) RequireStatus(*pipeline.Next(), "OK", "WATCH");
 }
 
 std::vector<Command> CommandsFor(const Changes& changes, const Server& stored,
@@ -160,10 +157,11 @@ std::vector<Changes> Transactions(const Changes& changes, const Server& stored,
 bool ApplyDifferences(redisContext* context, const Server& stored, const Server& wanted,
                       const Differences& differences, std::optional<std::size_t> batch,
                       Applied* applied) {
-  for (const Changes& changes : Transactions(GroupByKey(differences), stored, wanted, batch)) {
-    if (!CarryOut(context, changes, stored, wanted, applied)) return false;
-  }
-  return true;
+  const std::vector<Changes> transactions =
+      Transactions(GroupByKey(differences), stored, wanted, batch);
+  return std::all_of(transactions.begin(), transactions.end(), [&](const Changes& changes) {
+    return CarryOut(context, changes, stored, wanted, applied);
+  });
 }
 
 }  // namespace ostrafel
