@@ -34,13 +34,14 @@ class LongCommand {
   bool is_begun_ = false;
 };
 
+// Writes a key that a load can write: a hash or a list.
 void WriteWhole(const std::string& key, const Stored& value, std::vector<Command>* commands) {
   if (const Hash* hash = std::get_if<Hash>(&value)) {
     LongCommand command({"HSET", key}, commands);
     for (const auto& [field, text] : *hash) command.Append({field, text});
-  } else if (const List* list = std::get_if<List>(&value)) {
+  } else {
     LongCommand command({"RPUSH", key}, commands);
-    for (const std::string& element : *list) command.Append({element});
+    for (const std::string& element : std::get<List>(value)) command.Append({element});
   }
 }
 

@@ -65,6 +65,10 @@ TEST_F(AppliedCommands, ForElementsAreTheShortest) {
   ExpectCommands({"LPOP | &&/r/L", "LPOP | &&/r/L"}, "LPUSH | &&/r/L | 2 | 1\n");
   ExpectCommands({"LINSERT | &&/r/L | BEFORE | 3 | x"}, "LREM | &&/r/L | 1 | x\n");
   ExpectCommands({"LREM | &&/r/L | 1 | 3"}, "LINSERT | &&/r/L | BEFORE | 4 | 3\n");
+  ExpectCommands({"LINSERT | &&/r/L | BEFORE | 2 | x", "LINSERT | &&/r/L | BEFORE | 2 | y"},
+                 "LTRIM | &&/r/L | -5 | -1\nLPUSH | &&/r/L | 1\n");
+  ExpectCommands({"DEL | &&/r/L", "RPUSH | &&/r/L | a | b | c | d | e | f"},
+                 "DEL | &&/r/L\nRPUSH | &&/r/L | 1 | 2 | 3 | 4 | 5 | 4\n");
   // LREM and LINSERT would find another 4.
   ExpectCommands({"RPUSH | &&/r/L | 4"}, "LTRIM | &&/r/L | 0 | 5\n");
   ExpectCommands({"LREM | &&/r/L | 1 | 5"}, "LTRIM | &&/r/L | 0 | 3\nRPUSH | &&/r/L | 5 | 4\n");

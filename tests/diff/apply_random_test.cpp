@@ -100,7 +100,7 @@ TEST_F(RandomApplies, OfAnUpdateShowBeforehandWhatTheUpdateChanges) {
     model::WriteRandomTree(generator, first.path(), options);
     int status = 0;
     model::Store before = After("create", {}, first.path(), options.uri, &status);
-    for (std::size_t changes = seed % 4; changes > 0; --changes) {
+    for (std::uint64_t changes = seed % 4; changes > 0; --changes) {
       (void)ChangeAtRandom(generator, options.uri, &before);
     }
     const TempDirectory second;
@@ -136,7 +136,7 @@ TEST_F(RandomApplies, ShowAndUndoExactlyWhatOthersHaveChanged) {
     model::Store changed = loaded;
     std::size_t keys = 0;
     const bool is_single = seed % 2 == 0;
-    for (std::size_t changes = is_single ? 1 : 2 + seed % 5; changes > 0; --changes) {
+    for (std::uint64_t changes = is_single ? 1 : 2 + seed % 5; changes > 0; --changes) {
       keys += ChangeAtRandom(generator, options.uri, &changed);
     }
     store.Fill(changed);

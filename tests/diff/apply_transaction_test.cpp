@@ -140,6 +140,23 @@ TEST_F(Transactions, AreGivenUpAfterThreeAttemptsWithNothingChanged) {
   EXPECT_EQ(StoreDifference(store.Contents(), expected), "");
 }
 
+TEST_F(Transactions, AreNoneOfAStoreThatDoesNotHoldStill) {
+  Restore();
+  plan = [&](Recorder& recorder) {
+    for (std::size_t flight = 0; flight < 100; ++flight) {
+      recorder.Before(flight, [this, flight] {
+        (void)store.Run("SET | /r/" + std::to_string(flight) + " | x");
+      });
+    }
+  };
+  const Finished finished = RecordedDiff(apply);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_NE(finished.err.find("changed while it was read, again and again"), std::string::npos)
+      << finished.err;
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_TRUE(Writes().empty());
+}
+
 TEST_F(Transactions, CountOnceWhatAnInterruptedAttemptDidNotChange) {
   Restore();
   const std::string whole = Diff(apply).out;
@@ -244,19 +261,22 @@ TEST_F(Batches, AreWholeWhenTheLastIsDisturbed) {
 TEST_F(Batches, AreAskedForWhenTooManyKeysDiffer) {
   std::string document = R"({"A": 1)";
   for (int i = 0; i < 10000; ++i) document += ",\"O" + std::to_string(i) + "\":{\"x\":1}";
-  const std::string file = tree.Write("many.json", document + "}");
-  const Finished refused = RecordedDiff({"--apply", file, "/many"});
+  tree.Write("big/index.json", document + "}");
+  const Finished refused = RecordedDiff({"--apply", tree.path(), "/r"});
   EXPECT_EQ(refused.out, "");
   EXPECT_EQ(refused.err,
-            "ostrafel-diff: 10,001 keys differ, more than one transaction changes (10,000): see "
+            "ostrafel-diff: 10,017 keys differ, more than one transaction changes (10,000): see "
             "--batch\nostrafel-diff: the store was not changed\n");
   EXPECT_EQ(refused.status, 2);
   EXPECT_TRUE(Writes().empty());
   EXPECT_EQ(store.Run("DBSIZE").integer, 0);
-  // A resource is not parted.
-  const Finished applied = Diff({"--apply", "--batch=1", file, "/many"});
-  EXPECT_EQ(applied.out, "changed 10,001 keys, 20,001 records\n") << applied.err;
-  EXPECT_EQ(store.Run("DBSIZE").integer, 10001);
+  // The large resource is not parted, nor are others with it.
+  const Finished applied = Diff({"--apply", "--batch=99", tree.path(), "/r"});
+  EXPECT_EQ(applied.out,
+            "changed 10,017 keys, 20,025 records in 3 transactions: each resource at once, but not "
+            "all of them\n")
+      << applied.err;
+  EXPECT_EQ(store.Run("DBSIZE").integer, 10017);
 }
 
 }  // namespace
