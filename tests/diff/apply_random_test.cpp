@@ -61,7 +61,9 @@ TEST_F(RandomApplies, LeaveWhatACreateOnAnEmptyStoreLeaves) {
     const model::Store created = After("create", {}, path(), uri, &status);
     failures += status == 0 ? 0 : 1;
     store.Fill(pair.before);
-    const Finished finished = Diff({"--apply", path(), uri});
+    std::vector<std::string> arguments = {"--apply", path(), uri};
+    if (seed % 3 == 0) arguments.push_back("--batch=" + std::to_string(1 + seed % 5));
+    const Finished finished = Diff(arguments);
     ASSERT_EQ(finished.status, status == 0 ? 0 : 2) << finished.err;
     const model::Store expected = status == 0 ? InPlace(pair.before, created, uri) : pair.before;
     ASSERT_EQ(StoreDifference(store.Contents(), expected), "");
@@ -70,6 +72,50 @@ TEST_F(RandomApplies, LeaveWhatACreateOnAnEmptyStoreLeaves) {
     if (HasFailure()) return;
   }
   EXPECT_LT(failures, 20 * TestFactor());
+}
+
+// What the store is to hold of a key of the tree, with what only the store had.
+std::string WithExtraDifference(const model::StoredValue& before, const model::StoredValue& created,
+                                const model::StoredValue& stored) {
+  if (before.value.index() != created.value.index()) {
+    return StoreDifference({{"", stored}}, {{"", created}});
+  }
+  if (const auto* wanted = std::get_if<model::List>(&created.value)) {
+    auto next = wanted->begin();
+    for (const std::string& element : std::get<model::List>(stored.value)) {
+      if (next != wanted->end() && element == *next) ++next;
+    }
+    return next == wanted->end() ? "" : model::Dump({{"not all in order of", created}});
+  }
+  model::Hash hash = std::get<model::Hash>(created.value);
+  const auto& extra = std::get<model::Hash>(before.value);
+  hash.insert(extra.begin(), extra.end());
+  return StoreDifference({{"", stored}}, {{"", {hash}}});
+}
+
+TEST_F(RandomApplies, WithoutExtraLeaveWhatOnlyTheStoreHas) {
+  for (std::uint64_t seed = 0; seed < 25 * TestFactor(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const Pair pair = MakePair(9840000 + seed);
+    int status = 0;
+    const model::Store created = After("create", {}, path(), pair.options.uri, &status);
+    if (status != 0) continue;
+    store.Fill(pair.before);
+    ASSERT_EQ(Diff({"--apply", "--no-extra", path(), pair.options.uri}).status, 0);
+    ASSERT_EQ(Diff({"--no-extra", path(), pair.options.uri}).status, 0);
+    model::Store expected = pair.before;
+    expected.insert(created.begin(), created.end());
+    const model::Store contents = store.Contents();
+    ASSERT_EQ(contents.size(), expected.size());
+    for (const auto& [key, before] : expected) {
+      ASSERT_EQ(contents.count(key), 1U) << key;
+      const auto wanted = created.find(key);
+      const std::string difference =
+          wanted == created.end() ? StoreDifference({{key, contents.at(key)}}, {{key, before}})
+                                  : WithExtraDifference(before, wanted->second, contents.at(key));
+      ASSERT_EQ(difference, "") << key;
+    }
+  }
 }
 
 TEST_F(RandomApplies, OfAnUpdateLeaveWhatTheUpdateLeaves) {
