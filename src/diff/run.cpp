@@ -142,7 +142,7 @@ bool PrintReport(const Comparison& comparison, const std::optional<Applied>& app
   return WriteOutput(options.is_stat ? DiffStat(report) : DiffText(options, report));
 }
 
-// Compares and prints. Returns the exit status.
+// Compares what was read and prints. Returns the exit status.
 int Show(Comparison* comparison) {
   const bool is_played = Compare(comparison);
   if (!PrintReport(*comparison, std::nullopt) || !is_played || !IsSteady(comparison->reading)) {
@@ -151,9 +151,10 @@ int Show(Comparison* comparison) {
   return comparison->differences.empty() ? kEqual : kDifferent;
 }
 
-// Compares and changes the store; again when others change it, too. False, after a message, when
-// the store could not be changed.
+// Reads, compares and changes the store; again when others change it, too. False, after a message,
+// when the store could not be changed.
 bool ApplyTo(redisContext* context, Comparison* comparison, Applied* applied) {
+  if (!ReadAndPlay(context, comparison)) return false;
   for (int attempts = 0; attempts < kMostAttempts; ++attempts) {
     if (attempts > 0) ReadAgain(context, comparison);
     if (!IsSteady(comparison->reading) || !Compare(comparison)) return false;
@@ -179,7 +180,7 @@ void PrintState(const Applied& applied) {
   }
 }
 
-// Compares, changes the store and prints. Returns the exit status.
+// Changes the store and prints. Returns the exit status.
 int Apply(redisContext* context, Comparison* comparison) {
   Applied applied;
   bool is_applied = false;
@@ -214,8 +215,8 @@ int Run(int argc, char** argv) {
     return is_played ? Show(&comparison) : kTrouble;
   }
   const StoreConnection connection = ConnectTo(options.server);
-  if (!ReadAndPlay(connection.get(), &comparison)) return kTrouble;
-  return options.apply ? Apply(connection.get(), &comparison) : Show(&comparison);
+  if (options.apply) return Apply(connection.get(), &comparison);
+  return ReadAndPlay(connection.get(), &comparison) ? Show(&comparison) : kTrouble;
 }
 
 }  // namespace

@@ -69,7 +69,7 @@ class Faults : public ApplyTest {
   void ExpectBroken(const Finished& finished, std::size_t flight) {
     EXPECT_EQ(finished.out, "");
     EXPECT_EQ(finished.status, 2);
-    EXPECT_EQ(finished.err.rfind("ostrafel-diff: the connection to Redis: ", 0), 0U)
+    EXPECT_EQ(finished.err.rfind("ostrafel-diff: the connection to Redis failed: ", 0), 0U)
         << finished.err;
     EXPECT_EQ(finished.err.substr(finished.err.find('\n') + 1),
               flight < exec ? kUnchanged : kInDoubt);
