@@ -20,8 +20,7 @@ constexpr unsigned long long kLongestCommand = 1ULL << 30U;
 constexpr std::size_t kWordHeader = 16;
 
 [[noreturn]] void Fail(const redisContext& context) {
-  throw std::runtime_error(std::string("the connection to Redis failed: ") +
-                           (context.err != 0 ? context.errstr : "no reply"));
+  throw std::runtime_error(std::string("the connection to Redis failed: ") + context.errstr);
 }
 
 }  // namespace
@@ -61,7 +60,7 @@ Reply LivePipeline::Next() {
   // redisGetReply would send what waits only when it has no reply yet.
   if (waiting_ > 0) Send();
   void* reply = nullptr;
-  if (redisGetReply(context_, &reply) != REDIS_OK || reply == nullptr) Fail(*context_);
+  if (redisGetReply(context_, &reply) != REDIS_OK) Fail(*context_);
   return Reply(static_cast<redisReply*>(reply));
 }
 

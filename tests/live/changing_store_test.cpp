@@ -195,6 +195,19 @@ TEST_F(ChangingStore, IsNotReadInPartsWhenAKeyChangesItsTypeEachTime) {
   }
 }
 
+TEST_F(ChangingStore, ReadsARestlessKeyAgainWhenItHoldsAnotherType) {
+  (void)redis.Run("HSET | /a | f | 1");
+  (void)redis.Run("HSET | /b | f | 1");
+  Server likely = With("/a", Hash{{"f", "1"}});
+  likely.keys["/b"] = Hash{{"f", "1"}};
+  Before(1, {"HSET | /a | f | 2"});           // the second reading: /a is restless
+  Before(2, {"DEL | /a", "RPUSH | /a | 1"});  // its transaction; then TYPE and a reading of /b
+  const Reading reading = Read({{}, {"/a", "/b"}}, likely, 1);
+  EXPECT_EQ(Dump(reading.store), "list | /a | 1\nhash | /b | f | 1\n");
+  EXPECT_EQ(reading.unsteady, Names());
+  EXPECT_EQ(Flights(), 7U);  // and both once more
+}
+
 // Two keys that are always changed together, and a thousand between them, so that they are read in
 // different pipelines.
 class TwoKeysInParts : public ChangingStore {
