@@ -26,9 +26,9 @@ struct DiffReport {
 
 // Each of these returns the whole output of its format, ended by a line end.
 
-/// Each key that differs, by resource: for each of its records the file, line and pointer that it
-/// comes from, what the store has ("-") and what is wanted ("+"); then a last line with numbers. Of
-/// differences that were applied only that line.
+/// Each key that differs, by resource: for each of its members and elements the file, line and
+/// pointer that it comes from, what the store has ("-") and what is wanted ("+"); then a last line
+/// with numbers. Of differences that were applied only that line.
 [[nodiscard]] std::string DiffText(const DiffOptions& options, const DiffReport& report);
 
 /// For each resource that differs the numbers of its keys and records; then the last line of
