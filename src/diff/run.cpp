@@ -24,6 +24,7 @@
 #include "live/store_reading.h"
 #include "memory/glob.h"
 #include "play/play.h"
+#include "text/utf8.h"
 #include "tool/grouped.h"
 #include "tool/output.h"
 #include "tool/tool.h"
@@ -128,8 +129,8 @@ bool Compare(Comparison* comparison) {
 bool IsSteady(const Reading& reading) {
   if (reading.unsteady.empty()) return true;
   PrintTrouble("the store was changed while it was read, again and again: " +
-               std::to_string(reading.unsteady.size()) + " keys, such as " +
-               reading.unsteady.front());
+               Counted(reading.unsteady.size(), "key") + ", such as " +
+               Printable(reading.unsteady.front()));
   return false;
 }
 

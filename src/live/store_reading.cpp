@@ -206,6 +206,12 @@ std::vector<std::string> MatchingKeys(redisContext* context, const ReadingScope&
 
 // --- In one transaction --------------------------------------------------------------------------
 
+// A server whose memory is full queues no commands, though it would carry these out.
+class MemoryIsFull : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // The replies of a transaction to its commands.
 Reply Execute(LivePipeline* pipeline, std::size_t commands) {
   std::string refusal;
@@ -214,6 +220,7 @@ Reply Execute(LivePipeline* pipeline, std::size_t commands) {
     if (reply->type == REDIS_REPLY_ERROR && refusal.empty()) refusal = TextOf(*reply);
   }
   Reply results = pipeline->Next();
+  if (refusal.rfind("OOM ", 0) == 0) throw MemoryIsFull("Redis refuses to be read: " + refusal);
   if (!refusal.empty()) throw std::runtime_error("Redis refuses to be read: " + refusal);
   RefuseError(*results, "EXEC");
   if (results->type != REDIS_REPLY_ARRAY || results->elements != commands) RefuseReply("EXEC");
@@ -341,7 +348,12 @@ Reading ReadStore(redisContext* context, const ReadingScope& scope, const Server
       return ReadInParts(context, scope, likely, keys_at_once, std::move(guesses));
     }
     reading.store.keys.clear();
-    reading.unsteady = ReadAtOnce(context, scope.patterns, &guesses, &reading.store);
+    try {
+      reading.unsteady = ReadAtOnce(context, scope.patterns, &guesses, &reading.store);
+    } catch (const MemoryIsFull&) {
+      keys_at_once = 0;
+      continue;
+    }
     if (reading.unsteady.empty()) break;
   }
   return reading;

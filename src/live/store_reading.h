@@ -41,7 +41,7 @@ struct Reading {
 /// Up to keys_at_once keys: their names and contents in one MULTI ... EXEC, again when the keys or
 /// their types were others than expected.
 ///
-/// More: in pipelines that block the server for short times only, and then again, until no key
+/// More, and all where the server's memory is full: in pipelines that block the server for short times only, and then again, until no key
 /// differs. Those that differ are read in one MULTI ... EXEC between two readings from then on, as
 /// long as they are no more than keys_at_once. No reading tells of a key that is changed and
 /// changed back between two of them.

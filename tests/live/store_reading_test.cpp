@@ -17,6 +17,7 @@
 #include "memory/server_copy.h"
 #include "support/recorder.h"
 #include "support/sandbox.h"
+#include "support/scoped_setting.h"
 #include "support/test_factor.h"
 #include "support/test_store.h"
 
@@ -158,6 +159,17 @@ TEST_F(StoreReading, GivesNothingOfAnEmptyStore) {
   ExpectRead({{"*"}, {"/r"}}, {}, {});
   ExpectRead({}, {}, {});
   EXPECT_EQ(Dump(ReadKeys(connection.get(), {}, {})), "");
+}
+
+TEST_F(StoreReading, GivesWhatAServerHoldsWhoseMemoryIsFull) {
+  Server store;
+  store.keys["/r"] = Hash{{"A", "1"}};
+  store.keys["/r/a"] = List{"1"};
+  Fill(store);
+  const ScopedSetting full(&redis, "maxmemory", "1");
+  const Reading reading = ReadStore(connection.get(), {{"/r", "/r/*"}, {}}, {});
+  EXPECT_EQ(Dump(reading.store), Dump(store));
+  EXPECT_TRUE(reading.unsteady.empty());
 }
 
 TEST_F(StoreReading, GivesAllOfALargeStore) {
