@@ -45,14 +45,6 @@ Server PartOf(const Server& store, const std::vector<std::string>& keys) {
   return part;
 }
 
-// Refuses any other reply than this status.
-void RequireStatus(const redisReply& reply, std::string_view status, const std::string& command) {
-  RefuseError(reply, command);
-  if (reply.type == REDIS_REPLY_STATUS && TextOf(reply) == status) return;
-  throw std::runtime_error("Redis answers " + command + " with something else than " +
-                           std::string(status));
-}
-
 // From here on a transaction fails when one of the keys changes.
 void Watch(redisContext* context, const std::vector<std::string>& keys) {
   for (std::size_t begin = 0; begin < keys.size(); begin += kKeysInWatch) {
@@ -94,7 +86,7 @@ bool Execute(redisContext* context, std::size_t commands, Applied* applied) {
   if (results->type == REDIS_REPLY_NIL) return false;
   RefuseError(*results, "EXEC");
   if (results->type != REDIS_REPLY_ARRAY || results->elements != commands) {
-    throw std::runtime_error("Redis answers EXEC with something else than it should");
+    RefuseReply("EXEC");
   }
   for (std::size_t i = 0; i < commands; ++i) {
     RefuseError(*results->element[i], "a command of the transaction");
@@ -119,7 +111,10 @@ bool CarryOut(redisContext* context, const Changes& changes, const Server& store
   if (!Execute(context, commands.size(), applied)) return false;
   ++applied->transactions;
   applied->keys += changes.size();
-  for (const KeyChange& change : changes) applied->records += CountRecords(change, stored, wanted);
+  for (const KeyChange& change : changes) {
+    applied->records += CountRecords(change, stored, wanted);
+    applied->differences.insert(applied->differences.end(), change.begin, change.end);
+  }
   return true;
 }
 

@@ -20,14 +20,15 @@ namespace ostrafel {
 /// it at a stretch. docs/performance.md has figures.
 inline constexpr std::size_t kKeysChangedAtOnce = 10000;
 
-/// So often it is tried to change a store that others change, too.
-inline constexpr int kMostAttempts = 3;
+/// So often it is tried again to change a store that others change, too.
+inline constexpr int kMostRetries = 3;
 
 /// What was changed.
 struct Applied {
   std::size_t keys = 0;
   std::size_t records = 0;  ///< Fields and elements that were written, changed and removed.
   std::size_t transactions = 0;
+  Differences differences = {};  ///< That are no more, in the order of the transactions.
   /// Another transaction was to be carried out (EXEC), and the server did not say that it was, or
   /// that it was not. It is not counted.
   bool is_in_doubt = false;

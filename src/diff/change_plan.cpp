@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "diff/comparison.h"
@@ -71,23 +74,61 @@ List ChangedList(const KeyChange& change, const List& stored) {
   return list;
 }
 
-// The one command for one element that comes or goes beside the first of its value, which names it;
-// empty for others.
-Command ChangeOneElement(const Difference& difference, const List& stored) {
-  const std::size_t index = std::get<Element>(difference.record).stored_index;
-  if (difference.change == Change::kChanged || index == stored.size()) return {};
-  const auto element = stored.begin() + static_cast<std::ptrdiff_t>(index);
-  if (std::find(stored.begin(), element, *element) != element) return {};
-  if (difference.change == Change::kExtra) return {"LREM", difference.key, "1", *element};
-  return {"LINSERT", difference.key, "BEFORE", *element, *difference.wanted};
+// The place of the first element of each value.
+using FirstPlaces = std::unordered_map<std::string_view, std::size_t>;
+
+FirstPlaces FirstPlacesIn(const List& list) {
+  FirstPlaces places;
+  for (std::size_t i = 0; i < list.size(); ++i) places.emplace(list[i], i);
+  return places;
 }
 
-// Writes the elements one by one.
-void SetElements(const KeyChange& change, std::vector<Command>* commands) {
-  for (const Difference* at = change.begin; at != change.end; ++at) {
-    const std::size_t index = std::get<Element>(at->record).stored_index;
-    commands->push_back({"LSET", at->key, std::to_string(index), *at->wanted});
+// Puts in elements that are missing before one that is stored, or at the end. False where LINSERT
+// would find another one: it takes the first of the value.
+bool InsertElements(const Difference* begin, const Difference* end, const List& stored,
+                    const FirstPlaces& first_places, std::vector<Command>* commands) {
+  const std::size_t index = std::get<Element>(begin->record).stored_index;
+  if (index == stored.size()) {
+    LongCommand pushed({"RPUSH", begin->key}, commands);
+    for (const Difference* at = begin; at != end; ++at) pushed.Append({*at->wanted});
+    return true;
   }
+  const std::string& next = stored[index];
+  if (first_places.find(next)->second != index) return false;
+  for (const Difference* at = begin; at != end; ++at) {
+    commands->push_back({"LINSERT", at->key, "BEFORE", next, *at->wanted});
+    if (*at->wanted == next && at + 1 != end) return false;
+  }
+  return true;
+}
+
+// Changes the elements one by one, from the last to the first: those before one are as stored then.
+// Nothing where a command would find another element.
+std::optional<std::vector<Command>> EditElements(const KeyChange& change, const List& stored) {
+  const FirstPlaces first_places = FirstPlacesIn(stored);
+  const auto index_of = [](const Difference* at) {
+    return std::get<Element>(at->record).stored_index;
+  };
+  std::vector<Command> commands;
+  for (const Difference* end = change.end; end != change.begin;) {
+    const Difference* at = end - 1;
+    const std::size_t index = index_of(at);
+    if (at->change == Change::kMissing) {
+      while (at != change.begin && (at - 1)->change == Change::kMissing &&
+             index_of(at - 1) == index) {
+        --at;
+      }
+      if (!InsertElements(at, end, stored, first_places, &commands)) return std::nullopt;
+    } else if (at->change == Change::kChanged) {
+      commands.push_back({"LSET", at->key, std::to_string(index), *at->wanted});
+    } else if (first_places.find(stored[index])->second == index) {
+      commands.push_back({"LREM", at->key, "1", stored[index]});
+    } else {
+      return std::nullopt;
+    }
+    end = at;
+  }
+  return commands;
 }
 
 // The elements that two lists have in common from there on.
@@ -124,19 +165,10 @@ std::size_t CountWords(const std::vector<Command>& commands) {
 }
 
 std::vector<Command> ChangeList(const KeyChange& change, const List& stored) {
-  if (change.end - change.begin == 1) {
-    Command command = ChangeOneElement(*change.begin, stored);
-    if (!command.empty()) return {std::move(command)};
-  }
   std::vector<Command> pushed;
   PushRest(change.begin->key, stored, ChangedList(change, stored), &pushed);
-  const bool stays_long = std::all_of(change.begin, change.end, [](const Difference& difference) {
-    return difference.change == Change::kChanged;
-  });
-  if (!stays_long) return pushed;
-  std::vector<Command> set;
-  SetElements(change, &set);
-  return CountWords(set) <= CountWords(pushed) ? set : pushed;
+  std::optional<std::vector<Command>> edited = EditElements(change, stored);
+  return edited && CountWords(*edited) <= CountWords(pushed) ? *std::move(edited) : pushed;
 }
 
 }  // namespace
@@ -156,12 +188,8 @@ std::size_t CountRecords(const KeyChange& change, const Server& stored, const Se
   if (!std::holds_alternative<WholeKey>(change.begin->record)) {
     return static_cast<std::size_t>(change.end - change.begin);
   }
-  std::size_t count = 0;
-  for (const Server* server : {&stored, &wanted}) {
-    const auto found = server->keys.find(change.begin->key);
-    if (found != server->keys.end()) count += CountRecords(found->second);
-  }
-  return count;
+  const std::string& key = change.begin->key;
+  return CountRecords(stored, key) + CountRecords(wanted, key);
 }
 
 std::vector<Command> CommandsFor(const KeyChange& change, const Server& stored,

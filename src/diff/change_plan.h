@@ -29,7 +29,7 @@ struct KeyChange {
 
 using Command = std::vector<std::string>;
 
-/// The shortest commands, counted in words, that take these differences, and no others, out of what
+/// Short commands, few of them, that take these differences, and no others, out of what
 /// a key holds in stored:
 ///
 ///   a whole key  DEL, if there is one, and HSET or RPUSH

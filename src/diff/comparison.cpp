@@ -100,6 +100,11 @@ std::size_t CountRecords(const Stored& value) {
   return 0;
 }
 
+std::size_t CountRecords(const Server& store, const std::string& key) {
+  const auto found = store.keys.find(key);
+  return found == store.keys.end() ? 0 : CountRecords(found->second);
+}
+
 Differences CompareStores(const Server& stored, const Server& wanted) {
   Differences differences;
   GoThroughBoth(stored.keys, wanted.keys,

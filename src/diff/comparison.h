@@ -16,8 +16,14 @@ namespace ostrafel {
 /// What a stored value is.
 [[nodiscard]] Kind KindOf(const Stored& value);
 
+/// "hash", "list" or "other".
+[[nodiscard]] const char* NameOf(Kind kind);
+
 /// The fields or elements of a value; 0 for other types.
 [[nodiscard]] std::size_t CountRecords(const Stored& value);
+
+/// Those of a key; 0 when the store does not have it.
+[[nodiscard]] std::size_t CountRecords(const Server& store, const std::string& key);
 
 }  // namespace ostrafel
 

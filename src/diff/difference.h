@@ -61,9 +61,6 @@ struct Difference {
 /// Sorted by key and record.
 using Differences = std::vector<Difference>;
 
-/// "hash", "list" or "other".
-[[nodiscard]] const char* NameOf(Kind kind);
-
 }  // namespace ostrafel
 
 #endif  // OSTRAFEL_DIFF_DIFFERENCE_H_

@@ -5,6 +5,7 @@
 #include <tuple>
 #include <vector>
 
+#include "diff/comparison.h"
 #include "diff/report.h"
 #include "text/json_text.h"
 

@@ -161,9 +161,8 @@ DiffCommandLine ParseDiffCommandLine(int argc, char** argv) {
   if (!step) step = CheckTogether(state);
   if (step) return {std::nullopt, *step};
   // Not an option: everybody may read the command lines of a machine.
-  if (const char* password = std::getenv("OSTRAFEL_PASSWORD")) {
-    state.options.server.password = password;
-  }
+  const char* password = std::getenv("OSTRAFEL_PASSWORD");
+  if (password != nullptr && *password != '\0') state.options.server.password = password;
   if (!state.password_file.empty()) {
     state.options.server.password = ReadPassword(state.password_file);
   }

@@ -32,7 +32,7 @@ struct DiffReport {
 [[nodiscard]] std::string DiffText(const DiffOptions& options, const DiffReport& report);
 
 /// For each resource that differs the numbers of its keys and records; then the last line of
-/// DiffText.
+/// DiffText. Of differences that were applied only that line.
 [[nodiscard]] std::string DiffStat(const DiffReport& report);
 
 /// One JSON object, as docs/ostrafel-diff.schema.json describes it.

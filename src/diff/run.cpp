@@ -4,9 +4,9 @@
 #include "diff/run.h"
 
 #include <algorithm>
+#include <exception>
 #include <future>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +24,6 @@
 #include "live/store_reading.h"
 #include "memory/glob.h"
 #include "play/play.h"
-#include "text/utf8.h"
 #include "tool/grouped.h"
 #include "tool/output.h"
 #include "tool/tool.h"
@@ -73,40 +72,60 @@ struct Comparison {
 };
 
 // All that a create removes or, as an update searches all keys, everything.
-std::vector<std::string> PatternsOf(const DiffOptions& options) {
-  if (options.is_update) return {"*"};
-  const auto patterns = TreePatterns(options.uri);
-  return {patterns.begin(), patterns.end()};
+ReadingScope ScopeOf(const DiffOptions& options) {
+  if (options.is_update) return {{"*"}, {}};
+  ReadingScope scope;
+  for (const std::string& pattern : TreePatterns(options.uri)) {
+    // A server looks through all its keys for a pattern, but not for a key.
+    const bool is_key = LiteralStart(pattern) == pattern;
+    (is_key ? scope.keys : scope.patterns).push_back(pattern);
+  }
+  return scope;
 }
 
-// The keys that the tree writes and no pattern matches.
-std::vector<std::string> OtherKeys(const Server& wanted, const std::vector<std::string>& patterns) {
+// The keys that the tree writes beside the scope.
+std::vector<std::string> KeysBeside(const ReadingScope& scope, const Server& wanted) {
   std::vector<std::string> keys;
   for (const auto& [key, value] : wanted.keys) {
     const auto matches = [&name = key](const auto& pattern) { return MatchesGlob(pattern, name); };
-    if (std::none_of(patterns.begin(), patterns.end(), matches)) keys.push_back(key);
+    const bool is_inside = std::any_of(scope.patterns.begin(), scope.patterns.end(), matches) ||
+                           std::find(scope.keys.begin(), scope.keys.end(), key) != scope.keys.end();
+    if (!is_inside) keys.push_back(key);
   }
   return keys;
 }
 
 void ReadAgain(redisContext* context, Comparison* comparison) {
-  const std::vector<std::string> patterns = PatternsOf(comparison->options);
-  const ReadingScope scope = {patterns, OtherKeys(comparison->wanted, patterns)};
+  ReadingScope scope = ScopeOf(comparison->options);
+  const std::vector<std::string> beside = KeysBeside(scope, comparison->wanted);
+  scope.keys.insert(scope.keys.end(), beside.begin(), beside.end());
   comparison->reading = ReadStore(context, scope, comparison->wanted);
+}
+
+// Makes the wanted store, unless it is that of an update, which Compare makes. False when the
+// create would fail.
+bool PlayCreate(Comparison* comparison) {
+  return comparison->options.is_update || Play(comparison->tree, &comparison->wanted);
 }
 
 // Reads the store and, for a create, plays it meanwhile: reading takes about as long. False when
 // the create would fail.
 bool ReadAndPlay(redisContext* context, Comparison* comparison) {
-  const std::vector<std::string> patterns = PatternsOf(comparison->options);
-  std::future<Reading> reading = std::async(std::launch::async, [&] {
-    return ReadStore(context, {patterns, {}}, {});
-  });
-  const bool is_played =
-      comparison->options.is_update || Play(comparison->tree, &comparison->wanted);
+  const ReadingScope scope = ScopeOf(comparison->options);
+  std::future<Reading> reading =
+      std::async(std::launch::async, [&] { return ReadStore(context, scope, {}); });
+  const bool is_played = PlayCreate(comparison);
   comparison->reading = reading.get();
-  if (!OtherKeys(comparison->wanted, patterns).empty()) ReadAgain(context, comparison);
-  return is_played;
+  if (!is_played) return false;
+  if (!KeysBeside(scope, comparison->wanted).empty()) ReadAgain(context, comparison);
+  return true;
+}
+
+// True when somebody sees where differences come from.
+bool NeedsPlaces(const DiffOptions& options) {
+  if (!options.ignored.empty()) return true;
+  if (options.quiet || options.is_stat) return false;
+  return !options.apply || options.format == DiffFormat::kJson;
 }
 
 // Compares the store that was read with the wanted one. False when there is none.
@@ -118,7 +137,7 @@ bool Compare(Comparison* comparison) {
     is_played = Play(comparison->tree, &comparison->wanted);
   }
   comparison->differences = CompareStores(comparison->reading.store, comparison->wanted);
-  if (!options.apply || !options.ignored.empty() || options.format == DiffFormat::kJson) {
+  if (NeedsPlaces(options)) {
     FindPlaces(comparison->tree.listing, &comparison->differences);
   }
   LeaveOut(options, &comparison->differences);
@@ -129,8 +148,7 @@ bool Compare(Comparison* comparison) {
 bool IsSteady(const Reading& reading) {
   if (reading.unsteady.empty()) return true;
   PrintTrouble("the store was changed while it was read, again and again: " +
-               Counted(reading.unsteady.size(), "key") + ", such as " +
-               Printable(reading.unsteady.front()));
+               Counted(reading.unsteady.size(), "key") + ", such as " + reading.unsteady.front());
   return false;
 }
 
@@ -143,21 +161,23 @@ bool PrintReport(const Comparison& comparison, const std::optional<Applied>& app
   return WriteOutput(options.is_stat ? DiffStat(report) : DiffText(options, report));
 }
 
-// Compares what was read and prints. Returns the exit status.
+// Compares what was read and prints. Returns the exit status. After trouble, what differs is shown:
+// what the update that fails would leave, or the last reading of a store that does not hold still.
 int Show(Comparison* comparison) {
   const bool is_played = Compare(comparison);
-  if (!PrintReport(*comparison, std::nullopt) || !is_played || !IsSteady(comparison->reading)) {
-    return kTrouble;
-  }
-  return comparison->differences.empty() ? kEqual : kDifferent;
+  const bool is_sound = IsSteady(comparison->reading) && is_played;
+  const bool is_equal = comparison->differences.empty();
+  if (!is_sound && is_equal) return kTrouble;
+  if (!PrintReport(*comparison, std::nullopt) || !is_sound) return kTrouble;
+  return is_equal ? kEqual : kDifferent;
 }
 
 // Reads, compares and changes the store; again when others change it, too. False, after a message,
 // when the store could not be changed.
 bool ApplyTo(redisContext* context, Comparison* comparison, Applied* applied) {
   if (!ReadAndPlay(context, comparison)) return false;
-  for (int attempts = 0; attempts < kMostAttempts; ++attempts) {
-    if (attempts > 0) ReadAgain(context, comparison);
+  for (int retries = 0; retries <= kMostRetries; ++retries) {
+    if (retries > 0) ReadAgain(context, comparison);
     if (!IsSteady(comparison->reading) || !Compare(comparison)) return false;
     if (ApplyDifferences(context, comparison->reading.store, comparison->wanted,
                          comparison->differences, comparison->options.batch, applied)) {
@@ -174,7 +194,7 @@ void PrintState(const Applied& applied) {
     PrintTrouble("it is not known whether the last transaction was carried out");
   }
   if (applied.transactions > 0) {
-    PrintTrouble("the store was changed before: " + Counted(applied.keys, "key") + " in " +
+    PrintTrouble("the store was changed: " + Counted(applied.keys, "key") + " in " +
                  Counted(applied.transactions, "transaction"));
   } else if (!applied.is_in_doubt) {
     PrintTrouble("the store was not changed");
@@ -184,15 +204,25 @@ void PrintState(const Applied& applied) {
 // Changes the store and prints. Returns the exit status.
 int Apply(redisContext* context, Comparison* comparison) {
   Applied applied;
-  bool is_applied = false;
   try {
-    is_applied = ApplyTo(context, comparison, &applied);
-  } catch (const std::runtime_error& error) {
-    PrintTrouble(error.what());
+    if (ApplyTo(context, comparison, &applied)) {
+      comparison->differences = applied.differences;
+      if (PrintReport(*comparison, applied)) return kEqual;
+    }
+  } catch (const std::exception& error) {
+    PrintFailure(error);
   }
-  if (is_applied) return PrintReport(*comparison, applied) ? kEqual : kTrouble;
   PrintState(applied);
   return kTrouble;
+}
+
+// Compares with the store that a create of another tree would leave. Returns the exit status.
+int ShowAgainst(const std::string& path, Comparison* comparison) {
+  LoadRequest request = RequestOf(comparison->options, LoadAction::kCreate);
+  request.static_data_path = path;
+  Tree other;
+  if (!ListFilesOf(request, &other) || !Play(other, &comparison->reading.store)) return kTrouble;
+  return PlayCreate(comparison) ? Show(comparison) : kTrouble;
 }
 
 int Run(int argc, char** argv) {
@@ -203,18 +233,9 @@ int Run(int argc, char** argv) {
   comparison.options = std::move(*line.options);
   const DiffOptions& options = comparison.options;
   if (!SetIncludeRoot(options)) return kTrouble;
-  if (options.against) {
-    LoadRequest request = RequestOf(options, LoadAction::kCreate);
-    request.static_data_path = *options.against;
-    Tree other;
-    if (!ListFilesOf(request, &other) || !Play(other, &comparison.reading.store)) return kTrouble;
-  }
   const LoadAction action = options.is_update ? LoadAction::kUpdate : LoadAction::kCreate;
   if (!ListFilesOf(RequestOf(options, action), &comparison.tree)) return kTrouble;
-  if (options.against) {
-    const bool is_played = options.is_update || Play(comparison.tree, &comparison.wanted);
-    return is_played ? Show(&comparison) : kTrouble;
-  }
+  if (options.against) return ShowAgainst(*options.against, &comparison);
   const StoreConnection connection = ConnectTo(options.server);
   if (options.apply) return Apply(connection.get(), &comparison);
   return ReadAndPlay(connection.get(), &comparison) ? Show(&comparison) : kTrouble;

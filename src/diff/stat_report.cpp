@@ -21,11 +21,6 @@ struct Numbers {
   std::size_t changed = 0;
 };
 
-std::size_t RecordsOf(const Server& store, const std::string& key) {
-  const auto found = store.keys.find(key);
-  return found == store.keys.end() ? 0 : CountRecords(found->second);
-}
-
 std::size_t& NumberOf(Change change, Numbers* numbers) {
   switch (change) {
     case Change::kMissing:
@@ -43,8 +38,8 @@ void Count(const DiffReport& report, const KeyChange& change, Numbers* numbers) 
   ++numbers->keys;
   for (const Difference* at = change.begin; at != change.end; ++at) {
     if (std::holds_alternative<WholeKey>(at->record)) {
-      numbers->missing += RecordsOf(report.wanted, at->key);
-      numbers->extra += RecordsOf(report.stored, at->key);
+      numbers->missing += CountRecords(report.wanted, at->key);
+      numbers->extra += CountRecords(report.stored, at->key);
     } else {
       ++NumberOf(at->change, numbers);
     }
@@ -88,6 +83,7 @@ std::string DiffSummary(const DiffReport& report) {
 }
 
 std::string DiffStat(const DiffReport& report) {
+  if (report.applied) return DiffSummary(report) + "\n";
   std::map<std::string, Numbers> by_resource;
   for (const KeyChange& change : GroupByKey(report.differences)) {
     Count(report, change,

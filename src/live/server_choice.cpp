@@ -56,9 +56,7 @@ StoreConnection Connect(const ConnectionConfig& config) {
 }
 
 void Login(redisContext* context, const std::string& password) {
-  const Reply reply = AskServer(context, {"AUTH", password});
-  RefuseError(*reply, "AUTH");
-  if (reply->type != REDIS_REPLY_STATUS || TextOf(*reply) != "OK") RefuseReply("AUTH");
+  RequireStatus(*AskServer(context, {"AUTH", password}), "OK", "AUTH");
 }
 
 // A host as it stands before a port. Empty when it is none: only an address in brackets has colons.

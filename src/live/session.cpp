@@ -90,4 +90,9 @@ void RefuseReply(const std::string& command) {
   throw std::runtime_error("Redis answers " + command + " with something else than it should");
 }
 
+void RequireStatus(const redisReply& reply, std::string_view status, const std::string& command) {
+  RefuseError(reply, command);
+  if (reply.type != REDIS_REPLY_STATUS || TextOf(reply) != status) RefuseReply(command);
+}
+
 }  // namespace ostrafel

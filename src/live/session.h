@@ -53,6 +53,9 @@ void RefuseError(const redisReply& reply, const std::string& command);
 /// Raises runtime_error, which says that what was asked cannot be answered like this.
 [[noreturn]] void RefuseReply(const std::string& command);
 
+/// Raises runtime_error, likewise, unless reply is this status.
+void RequireStatus(const redisReply& reply, std::string_view status, const std::string& command);
+
 }  // namespace ostrafel
 
 #endif  // OSTRAFEL_LIVE_SESSION_H_

@@ -140,13 +140,6 @@ void AddKeys(redisContext* context, const std::vector<std::string>& keys, const 
 
 // --- What was read -------------------------------------------------------------------------------
 
-bool IsEqual(const Stored& a, const Stored& b) {
-  if (a.index() != b.index()) return false;
-  if (const Hash* hash = std::get_if<Hash>(&a)) return *hash == std::get<Hash>(b);
-  if (const List* list = std::get_if<List>(&a)) return *list == std::get<List>(b);
-  return true;
-}
-
 // True of what TakeRead has of a key that is gone.
 bool IsEmpty(const Stored& value) {
   if (const Hash* hash = std::get_if<Hash>(&value)) return hash->empty();
@@ -162,7 +155,7 @@ bool Put(const std::string& key, Stored value, Server* store) {
     if (was_there) store->keys.erase(before);
     return was_there;
   }
-  if (was_there && IsEqual(before->second, value)) return false;
+  if (was_there && before->second == value) return false;
   store->keys.insert_or_assign(key, std::move(value));
   return true;
 }

@@ -41,10 +41,10 @@ struct Reading {
 /// Up to keys_at_once keys: their names and contents in one MULTI ... EXEC, again when the keys or
 /// their types were others than expected.
 ///
-/// More, and all where the server's memory is full: in pipelines that block the server for short times only, and then again, until no key
-/// differs. Those that differ are read in one MULTI ... EXEC between two readings from then on, as
-/// long as they are no more than keys_at_once. No reading tells of a key that is changed and
-/// changed back between two of them.
+/// More, and all where the server's memory is full: in pipelines that block the server for short
+/// times only, and then again, until no key differs. Those that differ are read in one MULTI ...
+/// EXEC between two readings from then on, as long as they are no more than keys_at_once. No
+/// reading tells of a key that is changed and changed back between two of them.
 ///
 /// Either is tried kMostReadings times. Raises runtime_error when the connection breaks, the server
 /// refuses a command or answers with what is no answer to it, or the type of a key is another each

@@ -22,8 +22,10 @@ using Hash = std::map<std::string, std::string, std::less<>>;
 /// The first element first; never empty in a Server.
 using List = std::vector<std::string>;
 
-/// A value of any other type. A load only finds, refuses or removes it.
-struct OtherType {};
+/// A value of any other type. A load only finds, refuses or removes it, so that all are alike.
+struct OtherType {
+  bool operator==(const OtherType& /*other*/) const { return true; }
+};
 
 using Stored = std::variant<Hash, List, OtherType>;
 

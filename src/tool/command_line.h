@@ -7,7 +7,6 @@
 
 #include <getopt.h>
 
-#include <array>
 #include <functional>
 #include <optional>
 #include <string>

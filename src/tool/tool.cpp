@@ -7,10 +7,10 @@
 
 #include <cstddef>
 #include <cstdlib>
-#include <exception>
 #include <new>
 
 #include "base/message.h"
+#include "text/utf8.h"
 #include "tool/output.h"
 
 namespace ostrafel {
@@ -33,7 +33,15 @@ void* AllocateOrEnd(std::size_t size) {
 }  // namespace
 
 void PrintTrouble(const std::string& message) {
-  PrintMessage("%s: %s\n", ToolName, message.c_str());
+  PrintMessage("%s: %s\n", ToolName, Printable(message).c_str());
+}
+
+void PrintFailure(const std::exception& error) {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
+    PrintOutOfMemory();
+  } else {
+    PrintTrouble(error.what());
+  }
 }
 
 int RunTool(int argc, char** argv, int (*run)(int argc, char** argv)) {
@@ -41,10 +49,8 @@ int RunTool(int argc, char** argv, int (*run)(int argc, char** argv)) {
   json_set_alloc_funcs(AllocateOrEnd, std::free);
   try {
     return run(argc, argv);
-  } catch (const std::bad_alloc&) {
-    PrintOutOfMemory();
   } catch (const std::exception& error) {
-    PrintTrouble(error.what());
+    PrintFailure(error);
   }
   return kTrouble;
 }

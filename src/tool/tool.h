@@ -5,6 +5,7 @@
 #ifndef OSTRAFEL_TOOL_TOOL_H_
 #define OSTRAFEL_TOOL_TOOL_H_
 
+#include <exception>
 #include <string>
 
 namespace ostrafel {
@@ -15,8 +16,11 @@ extern const char* const ToolName;
 /// The exit status of a program that could not do its work.
 inline constexpr int kTrouble = 2;
 
-/// Prints "NAME: MESSAGE\n" on standard error, NAME being ToolName.
+/// Prints "NAME: MESSAGE\n" on standard error, NAME being ToolName, controls of MESSAGE escaped.
 void PrintTrouble(const std::string& message);
+
+/// Prints what an exception says; of bad_alloc, that memory has run out.
+void PrintFailure(const std::exception& error);
 
 /// Calls run with argc and argv and returns its result, the exit status. Before that, opens the
 /// standard descriptors that are missing (ReserveStandardDescriptors) and lets jansson end the

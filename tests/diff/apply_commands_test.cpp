@@ -55,10 +55,10 @@ TEST_F(AppliedCommands, ForFieldsAreOneThatWritesAndOneThatRemoves) {
                  "HSET | /r | A | 1 | B | \"two\"\nHDEL | /r | Z\n");
 }
 
-TEST_F(AppliedCommands, ForElementsAreTheShortest) {
+TEST_F(AppliedCommands, ForElementsAreFew) {
   ExpectCommands({"LSET | &&/r/L | 1 | x"}, "LSET | &&/r/L | 1 | 2\n");
   ExpectCommands({"LSET | &&/r/L | 1 | x", "LSET | &&/r/L | 4 | x"},
-                 "LSET | &&/r/L | 1 | 2\nLSET | &&/r/L | 4 | 5\n");
+                 "LSET | &&/r/L | 4 | 5\nLSET | &&/r/L | 1 | 2\n");
   ExpectCommands({"RPUSH | &&/r/L | x | y"}, "LTRIM | &&/r/L | 0 | 5\n");
   ExpectCommands({"LPUSH | &&/r/L | x | y"}, "LTRIM | &&/r/L | -6 | -1\n");
   ExpectCommands({"RPOP | &&/r/L"}, "RPUSH | &&/r/L | 4\n");
@@ -72,6 +72,24 @@ TEST_F(AppliedCommands, ForElementsAreTheShortest) {
   // LREM and LINSERT would find another 4.
   ExpectCommands({"RPUSH | &&/r/L | 4"}, "LTRIM | &&/r/L | 0 | 5\n");
   ExpectCommands({"LREM | &&/r/L | 1 | 5"}, "LTRIM | &&/r/L | 0 | 3\nRPUSH | &&/r/L | 5 | 4\n");
+}
+
+TEST_F(AppliedCommands, ForElementsFarApartLeaveWhatIsBetweenThem) {
+  const std::string numbers =
+      tree.Write("many.json", R"({"L": [10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22]})");
+  Load({"create", numbers, "/r"});
+  loaded = store.Dump();
+  for (const char* change : {"LREM | &&/r/L | 1 | 11", "LINSERT | &&/r/L | BEFORE | 15 | x",
+                             "LSET | &&/r/L | 10 | y", "LREM | &&/r/L | 1 | 22"}) {
+    (void)store.Run(change);
+  }
+  EXPECT_EQ(RecordedDiff({"--apply", numbers, "/r"}).status, 0);
+  EXPECT_EQ(Describe({recording.flights[ExecFlight() - 1]}),
+            "RPUSH | &&/r/L | 22\n"
+            "LSET | &&/r/L | 10 | 20\n"
+            "LREM | &&/r/L | 1 | x\n"
+            "LINSERT | &&/r/L | BEFORE | 12 | 11\n");
+  EXPECT_EQ(store.Dump(), loaded);
 }
 
 TEST_F(AppliedCommands, ForKeysWriteOrRemoveThem) {

@@ -206,6 +206,21 @@ TEST_F(DiffProgram, EndsWith2WhereAnUpdateWouldFail) {
                               " would end with status 255\n"),
             std::string::npos)
       << finished.err;
+  EXPECT_EQ(finished.out, "");
+}
+
+TEST_F(DiffProgram, ShowsWhatAnUpdateThatFailsWouldLeave) {
+  directory.Write("half/index.json", R"({"Kept": 1})");
+  // Enough for what waits to be sent before the failure.
+  std::string members;
+  for (int i = 0; i < 2500; ++i) members += "\"M" + std::to_string(i) + "\": 1, ";
+  directory.Write("half/a.json", "{" + members + R"("Bad": {"@odata.id": 1, "x": 2}})");
+  const Finished finished =
+      Diff({"--update", "--format=json", "--against", Path("half"), Path("half/a.json"), "/r"});
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_NE(finished.err.find("would end with status 255\n"), std::string::npos) << finished.err;
+  EXPECT_NE(finished.out.find("\"equal\": false"), std::string::npos);
+  EXPECT_NE(finished.out.find("\"M0\""), std::string::npos);
 }
 
 TEST_F(DiffProgram, EndsWith2WithoutTheIncludeFolder) {
