@@ -11,21 +11,22 @@ namespace ostrafel {
 
 namespace {
 
-// Goes through two maps together, which are sorted alike: take gets an item of the first or null,
-// and one of the second or null, with the same name.
-template <typename Map, typename Take>
-void GoThroughBoth(const Map& first, const Map& second, const Take& take) {
+// Goes through two maps together, which are sorted alike: an item that only the first has goes to
+// take_first, one that only the second has to take_second, and two of the same name to take_both.
+template <typename Map, typename TakeFirst, typename TakeSecond, typename TakeBoth>
+void GoThroughBoth(const Map& first, const Map& second, const TakeFirst& take_first,
+                   const TakeSecond& take_second, const TakeBoth& take_both) {
   auto a = first.begin();
   auto b = second.begin();
   while (a != first.end() || b != second.end()) {
     if (b == second.end() || (a != first.end() && a->first < b->first)) {
-      take(a->first, &a->second, nullptr);
+      take_first(a->first, a->second);
       ++a;
     } else if (a == first.end() || b->first < a->first) {
-      take(b->first, nullptr, &b->second);
+      take_second(b->first, b->second);
       ++b;
     } else {
-      take(a->first, &a->second, &b->second);
+      take_both(a->first, a->second, b->second);
       ++a;
       ++b;
     }
@@ -36,17 +37,15 @@ void CompareHashes(const std::string& key, const Hash& stored, const Hash& wante
                    Differences* differences) {
   GoThroughBoth(
       stored, wanted,
-      [&](const std::string& field, const std::string* old_value, const std::string* new_value) {
-        if (old_value == nullptr) {
-          differences->push_back(
-              {Change::kMissing, key, Kind::kHash, field, std::nullopt, *new_value});
-        } else if (new_value == nullptr) {
-          differences->push_back(
-              {Change::kExtra, key, Kind::kHash, field, *old_value, std::nullopt});
-        } else if (*old_value != *new_value) {
-          differences->push_back(
-              {Change::kChanged, key, Kind::kHash, field, *old_value, *new_value});
-        }
+      [&](const std::string& field, const std::string& value) {
+        differences->push_back({Change::kExtra, key, Kind::kHash, field, value, std::nullopt});
+      },
+      [&](const std::string& field, const std::string& value) {
+        differences->push_back({Change::kMissing, key, Kind::kHash, field, std::nullopt, value});
+      },
+      [&](const std::string& field, const std::string& old_value, const std::string& new_value) {
+        if (old_value == new_value) return;
+        differences->push_back({Change::kChanged, key, Kind::kHash, field, old_value, new_value});
       });
 }
 
@@ -107,18 +106,18 @@ std::size_t CountRecords(const Server& store, const std::string& key) {
 
 Differences CompareStores(const Server& stored, const Server& wanted) {
   Differences differences;
-  GoThroughBoth(stored.keys, wanted.keys,
-                [&](const std::string& key, const Stored* old_value, const Stored* new_value) {
-                  if (old_value == nullptr) {
-                    differences.push_back({Change::kMissing, key, KindOf(*new_value), WholeKey(),
-                                           std::nullopt, std::nullopt});
-                  } else if (new_value == nullptr) {
-                    differences.push_back({Change::kExtra, key, KindOf(*old_value), WholeKey(),
-                                           std::nullopt, std::nullopt});
-                  } else {
-                    CompareValues(key, *old_value, *new_value, &differences);
-                  }
-                });
+  const auto push_whole = [&](Change change, const std::string& key, const Stored& value) {
+    differences.push_back({change, key, KindOf(value), WholeKey(), std::nullopt, std::nullopt});
+  };
+  GoThroughBoth(
+      stored.keys, wanted.keys,
+      [&](const std::string& key, const Stored& value) { push_whole(Change::kExtra, key, value); },
+      [&](const std::string& key, const Stored& value) {
+        push_whole(Change::kMissing, key, value);
+      },
+      [&](const std::string& key, const Stored& old_value, const Stored& new_value) {
+        CompareValues(key, old_value, new_value, &differences);
+      });
   return differences;
 }
 
