@@ -117,7 +117,9 @@ std::optional<std::vector<BaselineEntry>> ParseEntries(const std::string& path,
     entry.line = number;
     const std::string fault = ParseEntry(line, &entry);
     if (!fault.empty()) {
-      PrintTrouble(path + ":" + std::to_string(number) + ": " + fault);
+      std::string place = path;
+      place.append(":").append(std::to_string(number));
+      PrintTrouble(place + ": " + fault);
       return std::nullopt;
     }
     entries.push_back(std::move(entry));

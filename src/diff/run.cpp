@@ -41,11 +41,18 @@ struct Tree {
   Listing listing;
 };
 
+// Lists the files. False, after a message, where there is no tree.
 bool ListFilesOf(const LoadRequest& request, Tree* tree) {
   *tree = {request, ListTree(request)};
-  if (tree->listing.end != LoadEnd::kNoSuchPath) return true;
-  (void)RefusePath(request.static_data_path);
-  return false;
+  if (tree->listing.end == LoadEnd::kNoSuchPath) {
+    (void)RefusePath(request.static_data_path);
+    return false;
+  }
+  if (tree->listing.list.paths.empty()) {
+    // No failure for the loader either, though a create leaves nothing then.
+    PrintTrouble(request.static_data_path + ": holds no file " + request.file_name);
+  }
+  return true;
 }
 
 // Carries out the tree's request on a store. Prints what the loader would print; false when the

@@ -223,6 +223,14 @@ TEST_F(DiffProgram, ShowsWhatAnUpdateThatFailsWouldLeave) {
   EXPECT_NE(finished.out.find("\"M0\""), std::string::npos);
 }
 
+TEST_F(DiffProgram, WarnsOfATreeWithoutFiles) {
+  const Finished finished = Diff({"--against", Path("old"), Path("old"), "/r", "Index.json"});
+  const std::string warning = "ostrafel-diff: " + Path("old") + ": holds no file Index.json\n";
+  EXPECT_EQ(finished.err, warning + warning);
+  EXPECT_EQ(finished.out, "equal: 0 files, 0 keys, 0 records\n");
+  EXPECT_EQ(finished.status, 0);
+}
+
 TEST_F(DiffProgram, EndsWith2WithoutTheIncludeFolder) {
   const Finished finished = Compared({"--www", Path("none")});
   EXPECT_EQ(finished.status, 2);
