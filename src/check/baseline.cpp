@@ -107,6 +107,11 @@ std::string_view TakeLine(std::string_view* rest) {
   return line;
 }
 
+// Says what is wrong with a line of a file.
+void PrintLineTrouble(const std::string& path, std::size_t line, const std::string& fault) {
+  PrintTrouble(path + ":" + std::to_string(line) + ": " + fault);
+}
+
 std::optional<std::vector<BaselineEntry>> ParseEntries(const std::string& path,
                                                        std::string_view rest) {
   std::vector<BaselineEntry> entries;
@@ -117,9 +122,7 @@ std::optional<std::vector<BaselineEntry>> ParseEntries(const std::string& path,
     entry.line = number;
     const std::string fault = ParseEntry(line, &entry);
     if (!fault.empty()) {
-      std::string place = path;
-      place.append(":").append(std::to_string(number));
-      PrintTrouble(place + ": " + fault);
+      PrintLineTrouble(path, number, fault);
       return std::nullopt;
     }
     entries.push_back(std::move(entry));
