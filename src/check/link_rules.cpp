@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/affixes.h"
 #include "check/link_target.h"
 #include "layout/resource_id.h"
 #include "text/json_pointer.h"
@@ -18,10 +19,6 @@
 namespace ostrafel {
 
 namespace {
-
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
 
 // True for the names of members that hold URIs of resources. What is pushed to is no resource.
 bool IsUriMember(std::string_view name) {

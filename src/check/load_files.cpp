@@ -14,6 +14,7 @@
 #include <unordered_set>
 
 #include "base/files.h"
+#include "document/file_inclusion.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
 #include "text/json_pointer.h"
@@ -24,7 +25,6 @@ namespace ostrafel {
 namespace {
 
 constexpr const char* kLoadEnds = ", and the load ends at this file";
-constexpr const char* kFilePointer = "/&&File";
 
 // Included path -> the index of the finding that tells what is wrong with it.
 using IncludedFaults = std::unordered_map<std::string, std::size_t>;
@@ -119,7 +119,7 @@ Finding FileFinding(const std::string& path, const JsonFile& file) {
 }
 
 Finding AtInclusion(RuleId rule, const std::string& path, const std::string& message) {
-  return {rule, {path, kFilePointer}, std::nullopt, message + kLoadEnds};
+  return {rule, {path, FileMemberPointer}, std::nullopt, message + kLoadEnds};
 }
 
 // What is wrong with an included file that was found and opened.
@@ -136,7 +136,7 @@ void CheckIncludedFile(const std::string& path, const Inclusion& inclusion, Incl
   } else {
     const auto [fault, is_new] = faults->try_emplace(inclusion.path, findings->size());
     if (is_new) findings->push_back(SyntaxFinding(inclusion.path, inclusion.file));
-    (*findings)[fault->second].related.push_back({{path, kFilePointer}, "includes the file"});
+    (*findings)[fault->second].related.push_back({{path, FileMemberPointer}, "includes the file"});
   }
 }
 

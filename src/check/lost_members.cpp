@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "document/file_inclusion.h"
 #include "document/json_file.h"
 #include "layout/resource_id.h"
 #include "text/json_pointer.h"
@@ -15,8 +16,6 @@
 namespace ostrafel {
 
 namespace {
-
-constexpr const char* kFileMember = "&&File";
 
 // A field of a hash -> the last node of the document that is written to it.
 using Writers = std::unordered_map<std::string, std::size_t>;
@@ -191,7 +190,7 @@ void CheckReplacedMembers(const Survey& survey, const Subject& subject, Findings
                          {path, ChildPointer("", name)},
                          file.key,
                          "the member \"" + std::string(name) + "\" is not stored, " + reason,
-                         {{{file.path, ChildPointer("", kFileMember)}, "includes the file"}}});
+                         {{{file.path, ChildPointer("", FileMember)}, "includes the file"}}});
   };
   const auto is_stored = [&](const char* name, const json_t* value) {
     return json_equal(json_object_get(subject.root.get(), name), value) != 0;
@@ -207,9 +206,9 @@ void CheckReplacedMembers(const Survey& survey, const Subject& subject, Findings
            "since the members of the included file replace those beside \"&&File\"");
   }
   const JsonFile included = LoadJsonFile(file.text_path.c_str());
-  const json_t* next = json_object_get(included.root.get(), kFileMember);
-  if (next != nullptr && !is_stored(kFileMember, next)) {
-    report(file.text_path, kFileMember, "since an included file includes no other");
+  const json_t* next = json_object_get(included.root.get(), FileMember);
+  if (next != nullptr && !is_stored(FileMember, next)) {
+    report(file.text_path, FileMember, "since an included file includes no other");
   }
 }
 

@@ -3,17 +3,10 @@
 
 #include "check/redfish_documents.h"
 
+#include "base/affixes.h"
 #include "layout/resource_id.h"
 
 namespace ostrafel {
-
-namespace {
-
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-}  // namespace
 
 std::string WithoutLastSlash(std::string_view key) {
   if (EndsWith(key, "/")) key.remove_suffix(1);

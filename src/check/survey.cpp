@@ -6,6 +6,7 @@
 #include <functional>
 #include <utility>
 
+#include "document/file_inclusion.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
 #include "store/server.h"
@@ -235,7 +236,7 @@ std::vector<bool> StoredNodes(const Survey& survey, const Subject& subject) {
 
 Place PlaceOf(const Survey& survey, const Subject& subject, const std::string& pointer, Spot spot) {
   const TreeFile& file = survey.files[subject.file];
-  return {pointer == "/&&File" ? file.path : file.text_path, pointer, spot};
+  return {pointer == FileMemberPointer ? file.path : file.text_path, pointer, spot};
 }
 
 Place PlaceOf(const Survey& survey, const Subject& subject, std::size_t node, Spot spot) {

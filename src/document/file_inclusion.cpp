@@ -12,8 +12,6 @@ namespace ostrafel {
 
 namespace {
 
-constexpr const char* kFileMember = "&&File";
-
 // What follows the last "."; the whole path when it has none.
 std::string Extension(const std::string& path) { return path.substr(path.rfind('.') + 1); }
 
@@ -30,7 +28,7 @@ InclusionEnd Include(json_t* object, const std::string& name, Inclusion* inclusi
   if (json_object_clear(object) != 0) return InclusionEnd::kNotCleared;
   if (json_object_update(object, included) != 0) return InclusionEnd::kNotUpdated;
   // Replaces a "&&File" that the included file brought. Without it the resource is still whole.
-  (void)json_object_set_new(object, kFileMember, json_string(name.c_str()));
+  (void)json_object_set_new(object, FileMember, json_string(name.c_str()));
   return InclusionEnd::kDone;
 }
 
@@ -40,7 +38,7 @@ bool FileExists(const char* path) { return File(std::fopen(path, "r")) != nullpt
 
 Inclusion ResolveFileInclusion(json_t* object) {
   Inclusion inclusion;
-  const json_t* member = json_object_get(object, kFileMember);
+  const json_t* member = json_object_get(object, FileMember);
   if (member == nullptr) return inclusion;
   if (!json_is_string(member)) {
     inclusion.end = InclusionEnd::kNotString;

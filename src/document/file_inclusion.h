@@ -13,6 +13,10 @@
 
 namespace ostrafel {
 
+/// The member of a root object that names the file, and its JSON pointer (RFC 6901).
+inline constexpr const char* FileMember = "&&File";
+inline constexpr const char* FileMemberPointer = "/&&File";
+
 /// How an inclusion ends.
 enum class InclusionEnd {
   kDone,            ///< The members were replaced, or there was nothing to include.

@@ -8,15 +8,9 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "base/affixes.h"
+
 namespace ostrafel {
-
-namespace {
-
-bool StartsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
-}
-
-}  // namespace
 
 const std::set<std::string, std::less<>> ReservedPropertySet = {
     "&&AllowMethod",

@@ -4,50 +4,99 @@
 #include "layout/record_parts.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <optional>
+#include <array>
 #include <utility>
 
+#include "base/affixes.h"
 #include "layout/layout.h"
 
 namespace ostrafel {
 
 namespace {
 
-bool StartsWith(std::string_view text, std::string_view start) {
-  return text.substr(0, start.size()) == start;
+// More readings of one record are of no use to anybody: so many of them, or of so many bytes.
+constexpr std::size_t kMostReadings = 32;
+constexpr std::size_t kMostBytes = std::size_t{64} * 1024;
+
+constexpr std::array<std::string_view, 3> kMarkers = {ObjectMarker, ObjectRefMarker, ArrayMarker};
+
+// The marker that text begins with; empty when there is none.
+std::string_view MarkerOf(std::string_view text) {
+  for (const std::string_view marker : kMarkers) {
+    if (StartsWith(text, marker)) return marker;
+  }
+  return {};
 }
 
-// The member's name in what follows the marker of a record in the hash at key; nothing when there
-// is no target.
-std::optional<std::string> NameInRecord(const std::string& key, std::string_view rest) {
-  const std::string start = DerivedKey(key, "");
-  std::size_t first_key = std::string_view::npos;  // the first blank that a key follows
-  for (std::size_t blank = rest.find(' '); blank != std::string_view::npos;
-       blank = rest.find(' ', blank + 1)) {
-    const std::string_view target = rest.substr(blank + 1);
-    if (first_key == std::string_view::npos && (StartsWith(target, "/") || IsDerivedKey(target))) {
-      first_key = blank;
+bool BeginsLikeKey(std::string_view target) {
+  return StartsWith(target, "/") || IsDerivedKey(target);
+}
+
+// The blank in rest, what follows the marker, whose target is the derived key of the name before
+// it; npos when there is none.
+std::size_t FindDerivedTarget(const std::string& key, std::string_view rest) {
+  // The size of the derived key of the name that ends at i: the slashes that NormalizeKey takes
+  // away are not counted. The farther on the blank, the longer is that and the shorter the target,
+  // so that no more than one fits.
+  std::size_t size = DerivedKey(key, "").size();
+  char last = '/';
+  for (std::size_t i = 0; i < rest.size(); ++i) {
+    const std::string_view target = rest.substr(i + 1);
+    if (target.size() < size) break;
+    if (rest[i] == ' ' && target.size() == size &&
+        target == DerivedKey(key, std::string(rest.substr(0, i)))) {
+      return i;
     }
-    // Compared first, as a field may have many blanks.
-    if (!StartsWith(target, start)) continue;
-    std::string name(rest.substr(0, blank));
-    if (target == DerivedKey(key, name)) return name;
+    if (rest[i] != '/' || last != '/') ++size;
+    last = rest[i];
   }
-  const std::size_t end = std::min(first_key, rest.rfind(' '));
-  if (end == std::string_view::npos) return std::nullopt;
-  return std::string(rest.substr(0, end));
+  return std::string_view::npos;
 }
 
 }  // namespace
 
-std::string MemberOfField(const std::string& key, std::string_view field) {
-  for (const std::string_view marker : {ObjectMarker, ObjectRefMarker, ArrayMarker}) {
-    if (!StartsWith(field, marker)) continue;
-    std::optional<std::string> name = NameInRecord(key, field.substr(marker.size()));
-    if (name) return *std::move(name);
+RecordReadings ReadingsOfField(const std::string& key, std::string_view field) {
+  RecordReadings readings;
+  const std::string_view marker = MarkerOf(field);
+  if (marker.empty()) return readings;
+  const std::string_view rest = field.substr(marker.size());
+  const auto add = [&](std::size_t blank) {
+    readings.parts.push_back(
+        {marker, std::string(rest.substr(0, blank)), std::string(rest.substr(blank + 1))});
+  };
+  const std::size_t derived = FindDerivedTarget(key, rest);
+  if (derived != std::string_view::npos) {
+    add(derived);
+    readings.likely = 1;
+    return readings;
   }
-  return std::string(field);
+  const std::size_t most = std::clamp<std::size_t>(kMostBytes / field.size(), 1, kMostReadings);
+  for (std::size_t blank = rest.find(' ');
+       blank != std::string_view::npos && readings.parts.size() < most;
+       blank = rest.find(' ', blank + 1)) {
+    if (BeginsLikeKey(rest.substr(blank + 1))) add(blank);
+  }
+  readings.likely = readings.parts.size();
+  // From the last one on: a target seldom has blanks.
+  for (std::size_t blank = rest.rfind(' ');
+       blank != std::string_view::npos && readings.parts.size() < most;
+       blank = blank == 0 ? std::string_view::npos : rest.rfind(' ', blank - 1)) {
+    if (!BeginsLikeKey(rest.substr(blank + 1))) add(blank);
+  }
+  if (readings.likely == 0) readings.likely = readings.parts.size();
+  return readings;
+}
+
+std::optional<RecordParts> PartsOfElement(std::string_view element) {
+  const std::string_view marker = MarkerOf(element);
+  if (marker.empty() || element == ArrayMarker) return std::nullopt;
+  return RecordParts{marker, {}, std::string(element.substr(marker.size()))};
+}
+
+std::string MemberOfField(const std::string& key, std::string_view field) {
+  RecordReadings readings = ReadingsOfField(key, field);
+  if (readings.parts.empty()) return std::string(field);
+  return std::move(readings.parts.front().name);
 }
 
 bool IsDerivedKey(std::string_view key) { return StartsWith(key, InternalPrefix); }

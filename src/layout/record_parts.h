@@ -5,15 +5,43 @@
 #ifndef OSTRAFEL_LAYOUT_RECORD_PARTS_H_
 #define OSTRAFEL_LAYOUT_RECORD_PARTS_H_
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ostrafel {
 
+/// What a reference record says.
+struct RecordParts {
+  std::string_view marker;  ///< ObjectMarker, ObjectRefMarker or ArrayMarker.
+  std::string name;         ///< The member's; empty in a list.
+  std::string target;
+};
+
+/// The ways to read a reference record: its name and its target may hold blanks, and only a blank
+/// is between them.
+struct RecordReadings {
+  std::vector<RecordParts> parts;  ///< The likeliest first.
+  /// So many, the first ones, are as likely as each other.
+  std::size_t likely = 0;
+};
+
+/// The readings of field, of the hash at key. A target that is the derived key of its name leaves
+/// no other reading. Without such a one those are likely whose target begins like a key, with "/"
+/// or "&&", or, if there is none, all. None at all where field begins with no marker or has no
+/// blank behind it. Of a field with very many blanks, or of very many bytes, only the first
+/// readings are given.
+[[nodiscard]] RecordReadings ReadingsOfField(const std::string& key, std::string_view field);
+
+/// What an element of a list says, if it is a reference record (IsReferenceRecord). A marker with
+/// nothing after it is one, too, but that of arrays: the "@odata.id" of an object may be empty.
+[[nodiscard]] std::optional<RecordParts> PartsOfElement(std::string_view element);
+
 /// The name of the member that a field of the hash at key is recorded for: the field itself, or the
-/// name in a reference record. Where blanks allow several readings, the one whose target is the
-/// derived key of its name; else the first whose target begins like a key, with "/" or "&&"; else
-/// the one whose target has no blank.
+/// name in the first reading of a reference record. Where no target begins like a key, that is the
+/// one whose target has no blank.
 [[nodiscard]] std::string MemberOfField(const std::string& key, std::string_view field);
 
 /// True when key begins like a derived key.

@@ -5,7 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "layout/layout.h"
 
@@ -57,6 +62,122 @@ TEST(MemberOfField, IsTheNameOfEveryDerivedKey) {
           Join(ReferenceRecord(ParentKind::kHash, ArrayMarker, name, DerivedKey(key, name)));
       EXPECT_EQ(MemberOfField(key, field), name) << key;
     }
+  }
+}
+
+// Names and targets of pieces that a record is parted by.
+std::string RandomName(std::mt19937& generator) {
+  const std::vector<std::string> pieces = {"A",   " ",    "/",         "//",           "&&",
+                                           "/r",  "&&/r", "&&Object ", "&&ObjectRef ", "&&Array ",
+                                           "A B", "\xFF"};
+  std::string text;
+  for (std::size_t i = generator() % 6; i > 0; --i) text += pieces[generator() % pieces.size()];
+  return text;
+}
+
+TEST(ReadingsOfField, HaveWhatTheRecordWasMadeOf) {
+  std::mt19937 generator(1);
+  for (int round = 0; round < 20000; ++round) {
+    const std::string key = RandomName(generator);
+    const std::string name = RandomName(generator);
+    const bool is_derived = generator() % 3 == 0;
+    const std::string target = is_derived ? DerivedKey(key, name) : RandomName(generator);
+    const std::string marker =
+        std::vector<std::string>{ObjectMarker, ObjectRefMarker, ArrayMarker}[generator() % 3];
+    const std::string field = Join(ReferenceRecord(ParentKind::kHash, marker, name, target));
+    const RecordReadings readings = ReadingsOfField(key, field);
+    ASSERT_FALSE(readings.parts.empty()) << field;
+    ASSERT_GE(readings.likely, 1U) << field;
+    ASSERT_LE(readings.likely, readings.parts.size()) << field;
+    const auto is_it = [&](const RecordParts& parts) {
+      return parts.marker == marker && parts.name == name && parts.target == target;
+    };
+    if (is_derived) {
+      ASSERT_EQ(readings.parts.size(), 1U) << field;
+      ASSERT_TRUE(is_it(readings.parts[0])) << key << ": " << field;
+    } else if (readings.parts.size() > 1 || is_it(readings.parts[0])) {
+      ASSERT_TRUE(std::any_of(readings.parts.begin(), readings.parts.end(), is_it)) << field;
+    } else {
+      // Another name's derived key, by chance.
+      ASSERT_EQ(readings.parts[0].target, DerivedKey(key, readings.parts[0].name)) << field;
+    }
+    for (const RecordParts& parts : readings.parts) {
+      ASSERT_EQ(Join(ReferenceRecord(ParentKind::kHash, parts.marker, parts.name, parts.target)),
+                field);
+    }
+  }
+}
+
+// "name|target" of each reading, the likely ones in front of a "-".
+std::vector<std::string> Readings(const std::string& field) {
+  const RecordReadings readings = ReadingsOfField("/r", field);
+  std::vector<std::string> texts;
+  for (const RecordParts& parts : readings.parts) texts.push_back(parts.name + "|" + parts.target);
+  texts.insert(texts.begin() + static_cast<std::ptrdiff_t>(readings.likely), "-");
+  return texts;
+}
+
+TEST(ReadingsOfField, AreTheLikelyOnesFirst) {
+  using Texts = std::vector<std::string>;
+  EXPECT_EQ(Readings("&&ObjectRef A /c"), (Texts{"A|/c", "-"}));
+  EXPECT_EQ(Readings("&&ObjectRef A b /c"), (Texts{"A b|/c", "-", "A|b /c"}));
+  EXPECT_EQ(Readings("&&ObjectRef A /b /c"), (Texts{"A|/b /c", "A /b|/c", "-"}));
+  EXPECT_EQ(Readings("&&ObjectRef A /b c &&d"),
+            (Texts{"A|/b c &&d", "A /b c|&&d", "-", "A /b|c &&d"}));
+  EXPECT_EQ(Readings("&&ObjectRef A b c"), (Texts{"A b|c", "A|b c", "-"}));
+  EXPECT_EQ(Readings("&&ObjectRef  "), (Texts{"|", "-"}));
+  EXPECT_EQ(Readings("&&ObjectRef A  "), (Texts{"A |", "A| ", "-"}));
+  EXPECT_EQ(Readings("&&Array A &&/r/A"), (Texts{"A|&&/r/A", "-"}));
+}
+
+TEST(ReadingsOfField, AreNoneOfWhatIsNoRecord) {
+  for (const char* field : {"", "A", "&&ETag", "&&Object", "&&Object ", "&&Object A",
+                            "&&Objects a b", "&&object a b", " &&Object a b"}) {
+    EXPECT_EQ(Readings(field), std::vector<std::string>{"-"}) << field;
+  }
+}
+
+TEST(ReadingsOfField, OfAFieldWithVeryManyBlanksAreFew) {
+  // With the square of that it would be a matter of hours.
+  const std::string blanks(1000000, ' ');
+  std::string keys;
+  for (int i = 0; i < 300000; ++i) keys += " &&/r";
+  std::string starts;  // of what the derived key begins with
+  for (int i = 0; i < 200000; ++i) starts += " &&/r/";
+  for (const std::string& rest : {blanks, keys, starts, "A" + keys + "/A", blanks + "/c"}) {
+    const RecordReadings readings = ReadingsOfField("/r", ObjectMarker + rest);
+    EXPECT_FALSE(readings.parts.empty());
+    EXPECT_LE(readings.parts.size(), 32U);
+  }
+}
+
+TEST(PartsOfElement, AreMarkerAndTarget) {
+  for (const std::string marker : {ObjectMarker, ObjectRefMarker, ArrayMarker}) {
+    for (const std::string target : {"/c", " ", "a b /c", "&&/r/0", "&&Object x"}) {
+      const std::string element =
+          Join(ReferenceRecord(ParentKind::kList, marker, "no matter", target));
+      const std::optional<RecordParts> parts = PartsOfElement(element);
+      ASSERT_TRUE(parts) << element;
+      EXPECT_EQ(parts->marker, marker);
+      EXPECT_EQ(parts->name, "");
+      EXPECT_EQ(parts->target, target);
+    }
+  }
+}
+
+TEST(PartsOfElement, MayHaveAnEmptyTargetUnlessItIsAnArrays) {
+  for (const std::string marker : {ObjectMarker, ObjectRefMarker}) {
+    const std::optional<RecordParts> parts = PartsOfElement(marker);
+    ASSERT_TRUE(parts) << marker;
+    EXPECT_EQ(parts->marker, marker);
+    EXPECT_EQ(parts->target, "");
+  }
+  EXPECT_FALSE(PartsOfElement(ArrayMarker));
+}
+
+TEST(PartsOfElement, AreNoneOfScalars) {
+  for (const char* element : {"", "1", "\"&&Object /x\"", "&&Object", "&&ObjectReference /x"}) {
+    EXPECT_FALSE(PartsOfElement(element)) << element;
   }
 }
 
