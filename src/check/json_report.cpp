@@ -12,41 +12,17 @@ namespace ostrafel {
 
 namespace {
 
-void NumberMember(JsonWriter* json, const char* name, std::size_t value) {
-  json->Name(name);
-  json->Number(value);
-}
-
-void OptionalMember(JsonWriter* json, const char* name, const std::optional<std::string>& value) {
-  json->Name(name);
-  if (value) {
-    json->String(*value);
-  } else {
-    json->Null();
-  }
-}
-
-// A line or a column, which is 0 when it is not known.
-void PositionMember(JsonWriter* json, const char* name, std::size_t value) {
-  json->Name(name);
-  if (value != 0) {
-    json->Number(value);
-  } else {
-    json->Null();
-  }
-}
-
 void WritePlace(const CheckOptions& options, const Place& place, JsonWriter* json) {
   std::optional<std::string> file;
   if (!place.path.empty()) file = RelativePath(options, place.path);
-  OptionalMember(json, "file", file);
-  PositionMember(json, "line", place.position.line);
-  PositionMember(json, "column", place.position.column);
-  OptionalMember(json, "pointer", place.pointer);
+  json->OptionalMember("file", file);
+  json->PositionMember("line", place.position.line);
+  json->PositionMember("column", place.position.column);
+  json->OptionalMember("pointer", place.pointer);
 }
 
 void WritePlayed(const std::string& action, const Played& played, JsonWriter* json) {
-  NumberMember(json, (action + "_status").c_str(), static_cast<std::size_t>(played.status));
+  json->NumberMember(action + "_status", static_cast<std::size_t>(played.status));
   json->Member(action + "_messages", played.messages);
 }
 
@@ -56,8 +32,8 @@ void WriteUnusedEntries(const Report& report, JsonWriter* json) {
   for (const BaselineEntry& entry : report.unused_entries) {
     json->OpenObject();
     json->Member("rule", entry.rule);
-    OptionalMember(json, "file",
-                   entry.path.empty() ? std::nullopt : std::optional<std::string>(entry.path));
+    json->OptionalMember(
+        "file", entry.path.empty() ? std::nullopt : std::optional<std::string>(entry.path));
     json->Member("pointer", entry.pointer);
     json->Close();
   }
@@ -67,12 +43,12 @@ void WriteUnusedEntries(const Report& report, JsonWriter* json) {
 void WriteSummary(const Report& report, JsonWriter* json) {
   json->Name("summary");
   json->OpenObject();
-  NumberMember(json, "files", report.files);
-  NumberMember(json, "keys", report.keys);
-  NumberMember(json, "records", report.records);
-  NumberMember(json, "errors", CountOf(report, Level::kError));
-  NumberMember(json, "warnings", CountOf(report, Level::kWarning));
-  NumberMember(json, "notes", CountOf(report, Level::kNote));
+  json->NumberMember("files", report.files);
+  json->NumberMember("keys", report.keys);
+  json->NumberMember("records", report.records);
+  json->NumberMember("errors", CountOf(report, Level::kError));
+  json->NumberMember("warnings", CountOf(report, Level::kWarning));
+  json->NumberMember("notes", CountOf(report, Level::kNote));
   WritePlayed("create", report.create, json);
   WritePlayed("update", report.update, json);
   WriteUnusedEntries(report, json);
@@ -85,7 +61,7 @@ void WriteFinding(const CheckOptions& options, const Finding& finding, JsonWrite
   json->Member("rule", rule.name);
   json->Member("level", NameOf(rule.level));
   WritePlace(options, finding.place, json);
-  OptionalMember(json, "key", finding.key);
+  json->OptionalMember("key", finding.key);
   json->Member("message", finding.message);
   json->Name("related");
   json->OpenArray();
@@ -120,7 +96,7 @@ std::vector<const Finding*> InOrder(const CheckOptions& options, const Findings&
 std::string JsonReport(const CheckOptions& options, const Report& report) {
   JsonWriter json;
   json.OpenObject();
-  NumberMember(&json, "version", 1);
+  json.NumberMember("version", 1);
   WriteSummary(report, &json);
   json.Name("findings");
   json.OpenArray();

@@ -54,8 +54,6 @@ constexpr std::array<Word<Format>, 4> kFormats = {{{"text", Format::kText},
                                                    {"json", Format::kJson},
                                                    {"sarif", Format::kSarif},
                                                    {"github", Format::kGithub}}};
-constexpr std::array<Word<Color>, 3> kColors = {
-    {{"auto", Color::kAuto}, {"always", Color::kAlways}, {"never", Color::kNever}}};
 constexpr std::array<Word<Level>, 3> kLevels = {
     {{"error", Level::kError}, {"warning", Level::kWarning}, {"note", Level::kNote}}};
 
@@ -98,13 +96,11 @@ Step TakeSetting(int letter, const std::string& text, State* state) {
     case kFormat:
       return TakeWord("format", kFormats, text, &options.format);
     case kColor:
-      return TakeWord("color", kColors, text, &options.color);
+      return TakeColor(text, &options.color);
     case kPrintStore:
-      options.print_store = true;
-      return std::nullopt;
+      return SetFlag(&options.print_store);
     default:  // 'q'
-      options.quiet = true;
-      return std::nullopt;
+      return SetFlag(&options.quiet);
   }
 }
 

@@ -200,7 +200,7 @@ std::vector<Command> CommandsFor(const KeyChange& change, const Server& stored,
   if (std::holds_alternative<WholeKey>(first.record)) {
     if (first.change != Change::kMissing) commands.push_back({"DEL", key});
     if (first.change != Change::kExtra) WriteWhole(key, wanted.keys.find(key)->second, &commands);
-  } else if (first.kind == Kind::kHash) {
+  } else if (first.type == KeyType::kHash) {
     ChangeHash(change, &commands);
   } else {
     commands = ChangeList(change, std::get<List>(stored.keys.find(key)->second));

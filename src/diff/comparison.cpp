@@ -38,14 +38,15 @@ void CompareHashes(const std::string& key, const Hash& stored, const Hash& wante
   GoThroughBoth(
       stored, wanted,
       [&](const std::string& field, const std::string& value) {
-        differences->push_back({Change::kExtra, key, Kind::kHash, field, value, std::nullopt});
+        differences->push_back({Change::kExtra, key, KeyType::kHash, field, value, std::nullopt});
       },
       [&](const std::string& field, const std::string& value) {
-        differences->push_back({Change::kMissing, key, Kind::kHash, field, std::nullopt, value});
+        differences->push_back({Change::kMissing, key, KeyType::kHash, field, std::nullopt, value});
       },
       [&](const std::string& field, const std::string& old_value, const std::string& new_value) {
         if (old_value == new_value) return;
-        differences->push_back({Change::kChanged, key, Kind::kHash, field, old_value, new_value});
+        differences->push_back(
+            {Change::kChanged, key, KeyType::kHash, field, old_value, new_value});
       });
 }
 
@@ -53,7 +54,7 @@ void CompareLists(const std::string& key, const List& stored, const List& wanted
                   Differences* differences) {
   if (stored == wanted) return;
   for (const ListEdit& edit : AlignLists(stored, wanted)) {
-    Difference difference = {edit.change,  key,          Kind::kList,
+    Difference difference = {edit.change,  key,          KeyType::kList,
                              edit.element, std::nullopt, std::nullopt};
     if (edit.change != Change::kMissing) difference.stored = stored[edit.element.stored_index];
     if (edit.change != Change::kExtra) difference.wanted = wanted[edit.element.wanted_index];
@@ -63,10 +64,10 @@ void CompareLists(const std::string& key, const List& stored, const List& wanted
 
 void CompareValues(const std::string& key, const Stored& stored, const Stored& wanted,
                    Differences* differences) {
-  const Kind kind = KindOf(wanted);
+  const KeyType type = KeyTypeOf(wanted);
   if (stored.index() != wanted.index()) {
     differences->push_back(
-        {Change::kChanged, key, kind, WholeKey(), NameOf(KindOf(stored)), NameOf(kind)});
+        {Change::kChanged, key, type, WholeKey(), NameOf(KeyTypeOf(stored)), NameOf(type)});
   } else if (const Hash* hash = std::get_if<Hash>(&stored)) {
     CompareHashes(key, *hash, std::get<Hash>(wanted), differences);
   } else if (const List* list = std::get_if<List>(&stored)) {
@@ -76,21 +77,17 @@ void CompareValues(const std::string& key, const Stored& stored, const Stored& w
 
 }  // namespace
 
-const char* NameOf(Kind kind) {
-  switch (kind) {
-    case Kind::kHash:
+const char* NameOf(KeyType type) {
+  switch (type) {
+    case KeyType::kHash:
       return "hash";
-    case Kind::kList:
+    case KeyType::kList:
       return "list";
-    case Kind::kOther:
+    case KeyType::kNone:
+    case KeyType::kOther:
       break;
   }
   return "other";
-}
-
-Kind KindOf(const Stored& value) {
-  if (std::holds_alternative<Hash>(value)) return Kind::kHash;
-  return std::holds_alternative<List>(value) ? Kind::kList : Kind::kOther;
 }
 
 std::size_t CountRecords(const Stored& value) {
@@ -107,7 +104,7 @@ std::size_t CountRecords(const Server& store, const std::string& key) {
 Differences CompareStores(const Server& stored, const Server& wanted) {
   Differences differences;
   const auto push_whole = [&](Change change, const std::string& key, const Stored& value) {
-    differences.push_back({change, key, KindOf(value), WholeKey(), std::nullopt, std::nullopt});
+    differences.push_back({change, key, KeyTypeOf(value), WholeKey(), std::nullopt, std::nullopt});
   };
   GoThroughBoth(
       stored.keys, wanted.keys,

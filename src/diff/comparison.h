@@ -13,11 +13,8 @@ namespace ostrafel {
 /// difference; otherwise each field and each element is one. Two values of other types are equal.
 [[nodiscard]] Differences CompareStores(const Server& stored, const Server& wanted);
 
-/// What a stored value is.
-[[nodiscard]] Kind KindOf(const Stored& value);
-
 /// "hash", "list" or "other".
-[[nodiscard]] const char* NameOf(Kind kind);
+[[nodiscard]] const char* NameOf(KeyType type);
 
 /// The fields or elements of a value; 0 for other types.
 [[nodiscard]] std::size_t CountRecords(const Stored& value);

@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "store/server.h"
 #include "text/json_positions.h"
 
 namespace ostrafel {
@@ -20,9 +21,6 @@ enum class Change {
   kExtra,    ///< Only the store has it.
   kChanged,
 };
-
-/// What a key holds.
-enum class Kind { kHash, kList, kOther };
 
 /// Stands for a whole key.
 struct WholeKey {};
@@ -46,7 +44,7 @@ struct TreePlace {
 struct Difference {
   Change change;
   std::string key;
-  Kind kind;  ///< Of the wanted key, or of the stored one when that is extra.
+  KeyType type;  ///< Of the wanted key, or of the stored one when that is extra.
   RecordOfKey record;
   /// The record's value. Of a whole key that changes, the name of what it holds (NameOf); of one
   /// that is missing or extra, nothing.

@@ -32,15 +32,6 @@ std::size_t IndexOf(const Difference& difference) {
   return difference.change == Change::kExtra ? element->stored_index : element->wanted_index;
 }
 
-void OptionalMember(JsonWriter* json, const char* name, const std::optional<std::string>& value) {
-  json->Name(name);
-  if (value) {
-    json->String(*value);
-  } else {
-    json->Null();
-  }
-}
-
 void WriteRecord(const Difference& difference, JsonWriter* json) {
   json->Name("record");
   if (const std::string* field = std::get_if<std::string>(&difference.record)) {
@@ -60,14 +51,9 @@ void WritePlace(const DiffOptions& options, const std::optional<TreePlace>& plac
     file = RelativePath(options, place->path);
     pointer = place->pointer;
   }
-  OptionalMember(json, "file", file);
-  json->Name("line");
-  if (place && place->position.line != 0) {
-    json->Number(place->position.line);
-  } else {
-    json->Null();
-  }
-  OptionalMember(json, "pointer", pointer);
+  json->OptionalMember("file", file);
+  json->PositionMember("line", place ? place->position.line : 0);
+  json->OptionalMember("pointer", pointer);
 }
 
 void WriteDifference(const DiffOptions& options, const Difference& difference, JsonWriter* json) {
@@ -75,14 +61,14 @@ void WriteDifference(const DiffOptions& options, const Difference& difference, J
   json->Member("change", NameOf(difference.change));
   json->Member("key", difference.key);
   json->Name("type");
-  if (difference.kind == Kind::kOther) {
+  if (difference.type == KeyType::kOther) {
     json->Null();
   } else {
-    json->String(NameOf(difference.kind));
+    json->String(NameOf(difference.type));
   }
   WriteRecord(difference, json);
-  OptionalMember(json, "stored", difference.stored);
-  OptionalMember(json, "wanted", difference.wanted);
+  json->OptionalMember("stored", difference.stored);
+  json->OptionalMember("wanted", difference.wanted);
   WritePlace(options, difference.place, json);
   json->Close();
 }
@@ -90,12 +76,9 @@ void WriteDifference(const DiffOptions& options, const Difference& difference, J
 void WriteApplied(const Applied& applied, JsonWriter* json) {
   json->Name("applied");
   json->OpenObject();
-  json->Name("keys");
-  json->Number(applied.keys);
-  json->Name("records");
-  json->Number(applied.records);
-  json->Name("transactions");
-  json->Number(applied.transactions);
+  json->NumberMember("keys", applied.keys);
+  json->NumberMember("records", applied.records);
+  json->NumberMember("transactions", applied.transactions);
   json->Close();
 }
 
@@ -111,8 +94,7 @@ std::string DiffJson(const DiffOptions& options, const DiffReport& report) {
   });
   JsonWriter json;
   json.OpenObject();
-  json.Name("version");
-  json.Number(1);
+  json.NumberMember("version", 1);
   json.Name("equal");
   json.Bool(report.differences.empty());
   json.Name("differences");

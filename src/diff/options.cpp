@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "diff/usage.h"
+#include "live/server_options.h"
 #include "tool/command_line.h"
 
 namespace ostrafel {
@@ -54,19 +55,12 @@ constexpr std::array<option, 17> kOptions = {{
 
 constexpr std::array<Word<DiffFormat>, 2> kFormats = {
     {{"text", DiffFormat::kText}, {"json", DiffFormat::kJson}}};
-constexpr std::array<Word<Color>, 3> kColors = {
-    {{"auto", Color::kAuto}, {"always", Color::kAlways}, {"never", Color::kNever}}};
 
 // What the line has said so far.
 struct State {
   DiffOptions options;
-  std::string password_file;
+  ServerOptions server;
 };
-
-Step Set(bool* flag, bool value = true) {
-  *flag = value;
-  return std::nullopt;
-}
 
 Step TakeBatch(const std::string& text, std::optional<std::size_t>* batch) {
   const bool is_number = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
@@ -79,12 +73,6 @@ Step TakeBatch(const std::string& text, std::optional<std::size_t>* batch) {
   return std::nullopt;
 }
 
-Step TakeEndpoint(const std::string& text, ServerChoice* server) {
-  if (ParseEndpoint(text, server)) return std::nullopt;
-  return RefuseLine("--tcp needs a port, or a host and a port with a colon between them, not '" +
-                    text + "'");
-}
-
 Step TakePattern(const std::string& text, std::vector<std::string>* patterns) {
   if (text.empty()) return RefuseLine("--ignore needs a pattern that is not empty");
   patterns->push_back(text);
@@ -95,33 +83,33 @@ Step TakeLetter(int letter, const std::string& text, State* state) {
   DiffOptions& options = state->options;
   switch (letter) {
     case kUpdate:
-      return Set(&options.is_update);
+      return SetFlag(&options.is_update);
     case kAgainst:
       return TakeFile("against", text, &options.against);
     case kApply:
-      return Set(&options.apply);
+      return SetFlag(&options.apply);
     case kBatch:
       return TakeBatch(text, &options.batch);
     case kSocket:
-      return TakeFile("socket", text, &options.server.socket_path);
+      return TakeSocket(text, &state->server);
     case kTcp:
-      return TakeEndpoint(text, &options.server);
+      return TakeEndpoint(text, &state->server);
     case kPasswordFile:
-      return TakeFile("password-file", text, &state->password_file);
+      return TakePasswordFile(text, &state->server);
     case kWww:
       return TakeIncludeFolder(text, &options);
     case kIgnore:
       return TakePattern(text, &options.ignored);
     case kNoExtra:
-      return Set(&options.has_extra, false);
+      return SetFlag(&options.has_extra, false);
     case kFormat:
       return TakeWord("format", kFormats, text, &options.format);
     case kStat:
-      return Set(&options.is_stat);
+      return SetFlag(&options.is_stat);
     case kColor:
-      return TakeWord("color", kColors, text, &options.color);
+      return TakeColor(text, &options.color);
     case 'q':
-      return Set(&options.quiet);
+      return SetFlag(&options.quiet);
     case kVersion:
       return Answer(DiffVersionText());
     default:  // 'h'
@@ -132,12 +120,8 @@ Step TakeLetter(int letter, const std::string& text, State* state) {
 // Refuses options that contradict each other.
 Step CheckTogether(const State& state) {
   const DiffOptions& options = state.options;
-  const bool has_server =
-      options.server.socket_path || options.server.port || !state.password_file.empty();
-  if (options.server.socket_path && options.server.port) {
-    return RefuseLine("--socket and --tcp name two servers");
-  }
-  if (options.against && has_server) return RefuseLine("--against needs no server");
+  if (const Step step = CheckServer(state.server)) return step;
+  if (options.against && HasServer(state.server)) return RefuseLine("--against needs no server");
   if (options.against && options.apply) {
     return RefuseLine("--apply needs a server, not another tree");
   }
@@ -160,12 +144,7 @@ DiffCommandLine ParseDiffCommandLine(int argc, char** argv) {
   if (!step) step = TakeTreeArguments(arguments, 2, &state.options);
   if (!step) step = CheckTogether(state);
   if (step) return {std::nullopt, *step};
-  // Not an option: everybody may read the command lines of a machine.
-  const char* password = std::getenv("OSTRAFEL_PASSWORD");
-  if (password != nullptr && *password != '\0') state.options.server.password = password;
-  if (!state.password_file.empty()) {
-    state.options.server.password = ReadPassword(state.password_file);
-  }
+  state.options.server = FinishServer(state.server);
   return {state.options, 0};
 }
 

@@ -14,6 +14,7 @@
 #include <variant>
 #include <vector>
 
+#include "document/file_inclusion.h"
 #include "layout/record_parts.h"
 #include "layout/resource_id.h"
 #include "loading/resource_loading.h"
@@ -24,8 +25,6 @@
 namespace ostrafel {
 
 namespace {
-
-constexpr std::string_view kFilePointer = "/&&File";
 
 bool HoldsChosenKey(const json_t* value);
 
@@ -142,7 +141,7 @@ OfKey* PlaceFinder::FindKey(const std::string& key) {
 }
 
 void PlaceFinder::Set(Difference* difference, std::string pointer) {
-  const std::string& path = pointer == kFilePointer ? own_path_ : text_path_;
+  const std::string& path = pointer == FileMemberPointer ? own_path_ : text_path_;
   difference->place = TreePlace{path, std::move(pointer), {}};
 }
 

@@ -154,8 +154,7 @@ bool Compare(Comparison* comparison) {
 // Says that the store did not hold still, if it did not.
 bool IsSteady(const Reading& reading) {
   if (reading.unsteady.empty()) return true;
-  PrintTrouble("the store was changed while it was read, again and again: " +
-               Counted(reading.unsteady.size(), "key") + ", such as " + reading.unsteady.front());
+  PrintTrouble(UnsteadyMessage(reading.unsteady.size(), reading.unsteady.front()));
   return false;
 }
 

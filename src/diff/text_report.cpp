@@ -61,7 +61,7 @@ class TextWriter {
   void WriteKey(const KeyChange& change);
   void WriteWholeKey(const Difference& difference);
   void WriteMember(const Member& member);
-  void WriteHeading(Sign sign, Kind kind, const std::string& key);
+  void WriteHeading(Sign sign, KeyType type, const std::string& key);
   void WritePlace(const Difference& difference);
   void WriteRecord(Sign sign, const std::string& name, const std::string& value);
   void WriteAll(Sign sign, const Server& store, const std::string& key);
@@ -84,8 +84,8 @@ void TextWriter::WriteLine(Sign sign, const std::string& indent, const std::stri
   text_ += '\n';
 }
 
-void TextWriter::WriteHeading(Sign sign, Kind kind, const std::string& key) {
-  WriteLine(sign, "", std::string(NameOf(kind)) + "  " + Printable(key));
+void TextWriter::WriteHeading(Sign sign, KeyType type, const std::string& key) {
+  WriteLine(sign, "", std::string(NameOf(type)) + "  " + Printable(key));
 }
 
 // "file:line: pointer", as compilers have it; without the line where the file has nothing of it.
@@ -115,12 +115,12 @@ void TextWriter::WriteAll(Sign sign, const Server& store, const std::string& key
 void TextWriter::WriteWholeKey(const Difference& difference) {
   const std::string& key = difference.key;
   if (difference.change != Change::kMissing) {
-    WriteHeading(Sign::kStored, KindOf(report_.stored.keys.find(key)->second), key);
+    WriteHeading(Sign::kStored, KeyTypeOf(report_.stored.keys.find(key)->second), key);
     if (difference.change == Change::kExtra) WritePlace(difference);
     WriteAll(Sign::kStored, report_.stored, key);
   }
   if (difference.change != Change::kExtra) {
-    WriteHeading(Sign::kWanted, difference.kind, key);
+    WriteHeading(Sign::kWanted, difference.type, key);
     WritePlace(difference);
     WriteAll(Sign::kWanted, report_.wanted, key);
   }
@@ -142,7 +142,7 @@ void TextWriter::WriteMember(const Member& member) {
 void TextWriter::WriteKey(const KeyChange& change) {
   const Difference& first = *change.begin;
   if (std::holds_alternative<WholeKey>(first.record)) return WriteWholeKey(first);
-  WriteHeading(Sign::kBoth, first.kind, first.key);
+  WriteHeading(Sign::kBoth, first.type, first.key);
   for (const Member& member : MembersOf(change)) WriteMember(member);
 }
 

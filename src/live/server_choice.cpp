@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -19,6 +20,9 @@ namespace ostrafel {
 namespace {
 
 constexpr std::int32_t kLastPort = 65535;
+
+// Some files, such as /dev/zero, have no end.
+constexpr std::size_t kLongestPassword = std::size_t{64} * 1024;
 
 // What the user says of the server, or what the loader finds.
 std::optional<ConnectionConfig> ConfigOf(const ServerChoice& choice) {
@@ -92,6 +96,9 @@ std::string ReadPassword(const std::string& path) {
   if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
   std::string password;
   for (int c = std::getc(file.get()); c != EOF && c != '\n'; c = std::getc(file.get())) {
+    if (password.size() == kLongestPassword) {
+      throw std::runtime_error(path + ": its first line is too long for a password");
+    }
     password += static_cast<char>(c);
   }
   if (std::ferror(file.get()) != 0) throw std::runtime_error(path + ": " + std::strerror(errno));

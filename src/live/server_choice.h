@@ -27,7 +27,7 @@ struct ServerChoice {
 [[nodiscard]] bool ParseEndpoint(const std::string& text, ServerChoice* choice);
 
 /// The first line of the file, without its line end. Raises runtime_error when the file cannot be
-/// read.
+/// read, or the line is longer than a password: more than 64 KiB.
 [[nodiscard]] std::string ReadPassword(const std::string& path);
 
 /// Connects and, when there is a password, authenticates. Raises runtime_error, with a sentence

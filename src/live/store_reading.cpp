@@ -10,103 +10,22 @@
 #include <string_view>
 #include <utility>
 
+#include "live/key_reading.h"
 #include "live/session.h"
+#include "tool/grouped.h"
 
 namespace ostrafel {
 
 namespace {
 
-// So many keys are asked for in one pipeline: what the server keeps of its answers stays small.
-constexpr std::size_t kKeysInPipeline = 1000;
-
-// A SCAN looks at as many keys at a time, which takes a server less than a millisecond.
-constexpr const char* kKeysInScan = "1000";
-
-// No SCAN takes more steps than this: a server has room for 2^32 keys.
-constexpr std::size_t kMostScanSteps = 5000000;
-
-// What a key is taken to hold, which decides how it is read.
-enum class Guess { kHash, kList, kOther };
-
-// The keys to read, in the order of their bytes.
-using Guesses = std::map<std::string, Guess, std::less<>>;
+// The keys to read, in the order of their bytes, with what they are taken to hold, which decides
+// how they are read.
+using Guesses = std::map<std::string, KeyType, std::less<>>;
 
 // Some of them.
 using Places = std::vector<Guesses::iterator>;
 
-// --- Replies -------------------------------------------------------------------------------------
-
-std::vector<std::string> StringsOf(const redisReply& reply, const std::string& command) {
-  RefuseError(reply, command);
-  if (reply.type != REDIS_REPLY_ARRAY) RefuseReply(command);
-  std::vector<std::string> strings;
-  strings.reserve(reply.elements);
-  for (std::size_t i = 0; i < reply.elements; ++i) {
-    const redisReply& element = *reply.element[i];
-    if (element.type != REDIS_REPLY_STRING) RefuseReply(command);
-    strings.emplace_back(TextOf(element));
-  }
-  return strings;
-}
-
-Hash HashOf(std::vector<std::string> strings) {
-  if (strings.size() % 2 != 0) RefuseReply("HGETALL");
-  Hash hash;
-  for (std::size_t i = 0; i < strings.size(); i += 2) {
-    hash.insert_or_assign(std::move(strings[i]), std::move(strings[i + 1]));
-  }
-  return hash;
-}
-
-std::string TypeOf(const redisReply& reply) {
-  RefuseError(reply, "TYPE");
-  if (reply.type != REDIS_REPLY_STATUS) RefuseReply("TYPE");
-  return std::string(TextOf(reply));
-}
-
 // --- Guesses -------------------------------------------------------------------------------------
-
-Guess GuessOf(std::string_view type) {
-  if (type == "hash") return Guess::kHash;
-  return type == "list" ? Guess::kList : Guess::kOther;
-}
-
-Guess GuessOf(const Stored& value) {
-  if (std::holds_alternative<Hash>(value)) return Guess::kHash;
-  return std::holds_alternative<List>(value) ? Guess::kList : Guess::kOther;
-}
-
-void AppendRead(const std::string& key, Guess guess, LivePipeline* pipeline) {
-  switch (guess) {
-    case Guess::kHash:
-      return pipeline->Append({"HGETALL", key});
-    case Guess::kList:
-      return pipeline->Append({"LRANGE", key, "0", "-1"});
-    case Guess::kOther:
-      return pipeline->Append({"TYPE", key});
-  }
-}
-
-// Takes what AppendRead has asked for: an empty hash or list of a key that is gone. False when it
-// holds something else than was thought.
-bool TakeRead(const redisReply& reply, Guess guess, Stored* value) {
-  if (guess == Guess::kOther) {
-    const std::string type = TypeOf(reply);
-    if (type == "none") {
-      *value = Hash();
-    } else {
-      *value = OtherType();
-    }
-    return type == "none" || GuessOf(type) == Guess::kOther;
-  }
-  if (reply.type == REDIS_REPLY_ERROR && TextOf(reply).substr(0, 10) == "WRONGTYPE ") return false;
-  if (guess == Guess::kHash) {
-    *value = HashOf(StringsOf(reply, "HGETALL"));
-  } else {
-    *value = StringsOf(reply, "LRANGE");
-  }
-  return true;
-}
 
 // Asks what these keys hold now. One that is gone is taken for a hash.
 void AskTypes(redisContext* context, const Places& places) {
@@ -116,7 +35,7 @@ void AskTypes(redisContext* context, const Places& places) {
     for (std::size_t i = begin; i < end; ++i) pipeline.Append({"TYPE", places[i]->first});
     for (std::size_t i = begin; i < end; ++i) {
       const std::string type = TypeOf(*pipeline.Next());
-      places[i]->second = type == "none" ? Guess::kHash : GuessOf(type);
+      places[i]->second = type == "none" ? KeyType::kHash : TypeNamed(type);
     }
   }
 }
@@ -126,26 +45,19 @@ void AddKeys(redisContext* context, const std::vector<std::string>& keys, const 
              Guesses* guesses) {
   Places unknown;
   for (const std::string& key : keys) {
-    const auto [place, is_new] = guesses->try_emplace(key, Guess::kHash);
+    const auto [place, is_new] = guesses->try_emplace(key, KeyType::kHash);
     if (!is_new) continue;
     const auto known = likely.keys.find(key);
     if (known == likely.keys.end()) {
       unknown.push_back(place);
     } else {
-      place->second = GuessOf(known->second);
+      place->second = KeyTypeOf(known->second);
     }
   }
   AskTypes(context, unknown);
 }
 
 // --- What was read -------------------------------------------------------------------------------
-
-// True of what TakeRead has of a key that is gone.
-bool IsEmpty(const Stored& value) {
-  if (const Hash* hash = std::get_if<Hash>(&value)) return hash->empty();
-  const List* list = std::get_if<List>(&value);
-  return list != nullptr && list->empty();
-}
 
 // Makes the store hold what was read of the key. False when it has held this before.
 bool Put(const std::string& key, Stored value, Server* store) {
@@ -171,26 +83,6 @@ std::vector<std::string> NamesOf(const Places& places) {
 
 // --- Names ---------------------------------------------------------------------------------------
 
-// Appends the keys that match the pattern, some of them again and again. Does not block the server,
-// however many it has.
-void ScanKeys(redisContext* context, const std::string& pattern, std::vector<std::string>* keys) {
-  // Whatever happens to its keys meanwhile, a server gives no cursor twice before the last one.
-  std::set<std::string> cursors;
-  std::string cursor = "0";
-  do {
-    if (!cursors.insert(cursor).second || cursors.size() > kMostScanSteps) {
-      throw std::runtime_error("Redis does not come to an end of listing its keys");
-    }
-    const Reply reply =
-        AskServer(context, {"SCAN", cursor, "MATCH", pattern, "COUNT", kKeysInScan});
-    RefuseError(*reply, "SCAN");
-    if (reply->type != REDIS_REPLY_ARRAY || reply->elements != 2) RefuseReply("SCAN");
-    if (reply->element[0]->type != REDIS_REPLY_STRING) RefuseReply("SCAN");
-    cursor = TextOf(*reply->element[0]);
-    for (std::string& key : StringsOf(*reply->element[1], "SCAN")) keys->push_back(std::move(key));
-  } while (cursor != "0");
-}
-
 std::vector<std::string> MatchingKeys(redisContext* context, const ReadingScope& scope) {
   std::vector<std::string> keys;
   for (const std::string& pattern : scope.patterns) ScanKeys(context, pattern, &keys);
@@ -199,22 +91,11 @@ std::vector<std::string> MatchingKeys(redisContext* context, const ReadingScope&
 
 // --- In one transaction --------------------------------------------------------------------------
 
-// A server whose memory is full queues no commands, though it would carry these out.
-class MemoryIsFull : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 // The replies of a transaction to its commands.
 Reply Execute(LivePipeline* pipeline, std::size_t commands) {
-  std::string refusal;
-  for (std::size_t i = 0; i < commands + 1; ++i) {  // and MULTI
-    const Reply reply = pipeline->Next();
-    if (reply->type == REDIS_REPLY_ERROR && refusal.empty()) refusal = TextOf(*reply);
-  }
+  const std::string refusal = TakeQueued(pipeline, commands);
   Reply results = pipeline->Next();
-  if (refusal.rfind("OOM ", 0) == 0) throw MemoryIsFull("Redis refuses to be read: " + refusal);
-  if (!refusal.empty()) throw std::runtime_error("Redis refuses to be read: " + refusal);
+  RefuseQueued(refusal);
   RefuseError(*results, "EXEC");
   if (results->type != REDIS_REPLY_ARRAY || results->elements != commands) RefuseReply("EXEC");
   return results;
@@ -244,7 +125,7 @@ std::vector<std::string> ReadAtOnce(redisContext* context, const std::vector<std
   }
   for (i = 0; i < patterns.size(); ++i) {
     for (const std::string& key : StringsOf(*results->element[i], "KEYS")) {
-      const auto [place, is_new] = guesses->try_emplace(key, Guess::kHash);
+      const auto [place, is_new] = guesses->try_emplace(key, KeyType::kHash);
       if (is_new) others.push_back(place);
     }
   }
@@ -350,6 +231,11 @@ Reading ReadStore(redisContext* context, const ReadingScope& scope, const Server
     if (reading.unsteady.empty()) break;
   }
   return reading;
+}
+
+std::string UnsteadyMessage(std::size_t count, const std::string& first) {
+  return "the store was changed while it was read, again and again: " + Counted(count, "key") +
+         ", such as " + first;
 }
 
 Server ReadKeys(redisContext* context, const std::vector<std::string>& keys, const Server& likely) {

@@ -52,6 +52,9 @@ struct Reading {
 [[nodiscard]] Reading ReadStore(redisContext* context, const ReadingScope& scope,
                                 const Server& likely, std::size_t keys_at_once = kKeysAtOnce);
 
+/// What is said of a store that did not hold still: so many keys changed, first among them.
+[[nodiscard]] std::string UnsteadyMessage(std::size_t count, const std::string& first);
+
 /// Reads these keys, if they exist, each at a moment of its own. likely and what is raised: as
 /// above.
 [[nodiscard]] Server ReadKeys(redisContext* context, const std::vector<std::string>& keys,

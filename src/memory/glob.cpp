@@ -12,6 +12,9 @@ namespace ostrafel {
 
 namespace {
 
+// What does not stand for itself outside of a class.
+constexpr std::string_view kSpecial = "*?[\\";
+
 // Where a server gives up, so that a pattern does not exhaust its stack.
 constexpr int kMaxStars = 1000;
 
@@ -92,7 +95,16 @@ bool MatchesGlob(std::string_view pattern, std::string_view string) {
 }
 
 std::string_view LiteralStart(std::string_view pattern) {
-  return pattern.substr(0, pattern.find_first_of("*?[\\"));
+  return pattern.substr(0, pattern.find_first_of(kSpecial));
+}
+
+std::string EscapeGlob(std::string_view string) {
+  std::string pattern;
+  for (const char c : string) {
+    if (kSpecial.find(c) != std::string_view::npos) pattern += '\\';
+    pattern += c;
+  }
+  return pattern;
 }
 
 }  // namespace ostrafel

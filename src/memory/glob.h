@@ -5,6 +5,7 @@
 #ifndef OSTRAFEL_MEMORY_GLOB_H_
 #define OSTRAFEL_MEMORY_GLOB_H_
 
+#include <string>
 #include <string_view>
 
 namespace ostrafel {
@@ -24,6 +25,9 @@ namespace ostrafel {
 
 /// The part of pattern before its first "*", "?", "[" or backslash: what it matches begins so.
 [[nodiscard]] std::string_view LiteralStart(std::string_view pattern);
+
+/// The pattern that matches this string only.
+[[nodiscard]] std::string EscapeGlob(std::string_view string);
 
 }  // namespace ostrafel
 

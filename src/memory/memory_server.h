@@ -14,6 +14,8 @@
 #include <variant>
 #include <vector>
 
+#include "store/server.h"
+
 namespace ostrafel {
 
 /// Field -> value; never empty in a Server.
@@ -28,6 +30,9 @@ struct OtherType {
 };
 
 using Stored = std::variant<Hash, List, OtherType>;
+
+/// What a value is; never kNone.
+[[nodiscard]] KeyType KeyTypeOf(const Stored& value);
 
 struct Server {
   std::map<std::string, Stored, std::less<>> keys;

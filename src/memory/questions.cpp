@@ -26,11 +26,14 @@ unsigned TakeEach(const std::vector<std::string>& names, const TakeName& take) {
 
 }  // namespace
 
+KeyType KeyTypeOf(const Stored& value) {
+  if (std::holds_alternative<Hash>(value)) return KeyType::kHash;
+  return std::holds_alternative<List>(value) ? KeyType::kList : KeyType::kOther;
+}
+
 std::optional<KeyType> AskType(Server* server, const std::string& key) {
   const Stored* stored = Find(*server, key);
-  if (stored == nullptr) return KeyType::kNone;
-  if (std::holds_alternative<Hash>(*stored)) return KeyType::kHash;
-  return std::holds_alternative<List>(*stored) ? KeyType::kList : KeyType::kOther;
+  return stored == nullptr ? KeyType::kNone : KeyTypeOf(*stored);
 }
 
 std::optional<std::string> AskFirstElement(Server* server, const std::string& key) {

@@ -3,6 +3,7 @@
 
 #include "text/json_text.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "text/utf8.h"
@@ -74,24 +75,43 @@ void JsonWriter::String(std::string_view value) {
   AppendJsonString(value, &text_);
 }
 
-void JsonWriter::Number(std::size_t value) {
-  BeginValue();
-  text_ += std::to_string(value);
-}
+void JsonWriter::Number(std::size_t value) { Literal(std::to_string(value)); }
 
-void JsonWriter::Bool(bool value) {
-  BeginValue();
-  text_ += value ? "true" : "false";
-}
+void JsonWriter::Bool(bool value) { Literal(value ? "true" : "false"); }
 
-void JsonWriter::Null() {
+void JsonWriter::Null() { Literal("null"); }
+
+void JsonWriter::Literal(std::string_view text) {
   BeginValue();
-  text_ += "null";
+  text_ += text;
 }
 
 void JsonWriter::Member(std::string_view name, std::string_view value) {
   Name(name);
   String(value);
+}
+
+void JsonWriter::NumberMember(std::string_view name, std::size_t value) {
+  Name(name);
+  Number(value);
+}
+
+void JsonWriter::OptionalMember(std::string_view name, const std::optional<std::string>& value) {
+  Name(name);
+  if (value) {
+    String(*value);
+  } else {
+    Null();
+  }
+}
+
+void JsonWriter::PositionMember(std::string_view name, std::size_t value) {
+  Name(name);
+  if (value != 0) {
+    Number(value);
+  } else {
+    Null();
+  }
 }
 
 std::string JsonWriter::Finish() {
@@ -119,7 +139,7 @@ void JsonWriter::BeginValue() {
 
 void JsonWriter::BeginLine() {
   text_ += '\n';
-  text_.append(2 * closings_.size(), ' ');
+  text_.append(indent_ * std::min(closings_.size(), kMostIndented), ' ');
 }
 
 }  // namespace ostrafel

@@ -6,6 +6,7 @@
 #define OSTRAFEL_TEXT_JSON_TEXT_H_
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,13 @@ void AppendJsonString(std::string_view string, std::string* text);
 /// gives each member of an object its name first.
 class JsonWriter {
  public:
+  /// Deeper levels than this are indented like it: a text of thousands of them would be little but
+  /// blanks.
+  static constexpr std::size_t kMostIndented = 32;
+
+  /// With so many blanks in front of a line for each level.
+  explicit JsonWriter(std::size_t indent = 2) : indent_(indent) {}
+
   void OpenObject() { Open('{', '}'); }
   void OpenArray() { Open('[', ']'); }
   void Close();
@@ -30,8 +38,20 @@ class JsonWriter {
   void Bool(bool value);
   void Null();
 
+  /// A value that is JSON already.
+  void Literal(std::string_view text);
+
   /// A member with a string.
   void Member(std::string_view name, std::string_view value);
+
+  /// A member with a number.
+  void NumberMember(std::string_view name, std::size_t value);
+
+  /// A member with a string, or null where there is none.
+  void OptionalMember(std::string_view name, const std::optional<std::string>& value);
+
+  /// A member with a line or a column, or null for 0: it is not known.
+  void PositionMember(std::string_view name, std::size_t value);
 
   /// The whole text, ended by a line end. Nothing can be written after that.
   [[nodiscard]] std::string Finish();
@@ -41,6 +61,7 @@ class JsonWriter {
   void BeginValue();
   void BeginLine();
 
+  std::size_t indent_;
   std::string text_;
   std::vector<char> closings_;  // of what is open, the outermost first
   bool is_first_ = true;        // in what was opened last

@@ -65,6 +65,15 @@ Character FirstCharacter(std::string_view text) {
   return {size, code, true};
 }
 
+bool IsText(std::string_view text) {
+  while (!text.empty()) {
+    const Character character = FirstCharacter(text);
+    if (!character.is_valid || character.code == 0) return false;
+    text.remove_prefix(character.size);
+  }
+  return true;
+}
+
 bool IsControl(const Character& character) {
   return character.is_valid && IsIn(kControls, character.code);
 }

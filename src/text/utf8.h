@@ -21,6 +21,9 @@ struct Character {
 /// The first character of text, which must not be empty.
 [[nodiscard]] Character FirstCharacter(std::string_view text);
 
+/// True when a JSON text can hold the string, as jansson has it: it is UTF-8 and has no NUL.
+[[nodiscard]] bool IsText(std::string_view text);
+
 /// True when a terminal or an editor might act on the character instead of showing it: controls,
 /// line ends of all kinds, and what turns the direction of writing.
 [[nodiscard]] bool IsControl(const Character& character);

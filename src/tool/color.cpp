@@ -5,9 +5,16 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
 
 namespace ostrafel {
+
+Step TakeColor(const std::string& text, Color* color) {
+  constexpr std::array<Word<Color>, 3> kColors = {
+      {{"auto", Color::kAuto}, {"always", Color::kAlways}, {"never", Color::kNever}}};
+  return TakeWord("color", kColors, text, color);
+}
 
 bool HasColors(Color color) {
   if (color != Color::kAuto) return color == Color::kAlways;

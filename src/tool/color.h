@@ -7,9 +7,14 @@
 
 #include <string>
 
+#include "tool/command_line.h"
+
 namespace ostrafel {
 
 enum class Color { kAuto, kAlways, kNever };
+
+/// Takes the argument of --color: auto, always or never.
+[[nodiscard]] Step TakeColor(const std::string& text, Color* color);
 
 /// True when standard output is to have colors: always, or, with kAuto, when it is a terminal that
 /// is not TERM=dumb and NO_COLOR is not set to anything.

@@ -53,6 +53,12 @@ Step TakeWord(const char* name, const Words& words, const std::string& text, Val
   return RefuseLine("--" + std::string(name) + " knows no '" + text + "', only " + known);
 }
 
+/// Takes an option that says yes, or no.
+inline Step SetFlag(bool* flag, bool value = true) {
+  *flag = value;
+  return std::nullopt;
+}
+
 /// Takes the argument of the option --name, which must not be empty.
 template <typename Name>
 Step TakeFile(const char* name, const std::string& text, Name* value) {

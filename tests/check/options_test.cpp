@@ -5,58 +5,21 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
-#include <vector>
+
+#include "tool/said_line.h"
 
 namespace ostrafel {
 
 namespace {
 
-using Words = std::vector<std::string>;
-
-const std::string kHint = "Try 'ostrafel-check --help' for more information.\n";
-
-struct Answer {
-  CommandLine line;
-  std::string out;
-  std::string err;
-};
-
-Answer Parse(Words words) {
-  words.insert(words.begin(), "/some/where/ostrafel-check");
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  Answer answer;
-  answer.line = ParseCommandLine(static_cast<int>(words.size()), argv.data());
-  answer.out = testing::internal::GetCapturedStdout();
-  answer.err = testing::internal::GetCapturedStderr();
-  return answer;
-}
-
 // The options of a line that is right.
-CheckOptions OptionsOf(const Words& words) {
-  const Answer answer = Parse(words);
-  EXPECT_EQ(answer.out + answer.err, "");
-  EXPECT_TRUE(answer.line.options);
-  return answer.line.options.value_or(CheckOptions());
-}
+CheckOptions OptionsOf(const Words& words) { return RightOptions(SaidOf(ParseCommandLine, words)); }
 
-// What a line that is wrong is answered, less the hint at the end.
+// How a line that is wrong is refused.
 std::string ComplaintOf(const Words& words) {
-  const Answer answer = Parse(words);
-  EXPECT_FALSE(answer.line.options);
-  EXPECT_EQ(answer.line.status, 2);
-  EXPECT_EQ(answer.out, "");
-  const std::size_t size = answer.err.size() - std::min(answer.err.size(), kHint.size());
-  EXPECT_EQ(answer.err.substr(size), kHint);
-  std::string complaint = answer.err.substr(0, size);
-  EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1) << complaint;
-  return complaint;
+  return Complaint(SaidOf(ParseCommandLine, words), "ostrafel-check");
 }
 
 // The names of the rules that are on.
@@ -109,14 +72,13 @@ TEST(CheckOptions, TakeAnEmptyFileNameAsTheDefault) {
 }
 
 TEST(CheckOptions, RefuseAWrongNumberOfArguments) {
-  EXPECT_EQ(ComplaintOf({}), "ostrafel-check: no StaticDataPath is given\n");
-  EXPECT_EQ(ComplaintOf({"--quiet"}), "ostrafel-check: no StaticDataPath is given\n");
-  EXPECT_EQ(ComplaintOf({"tree", "/a", "b.json", "c"}),
-            "ostrafel-check: one argument too many: 'c'\n");
+  EXPECT_EQ(ComplaintOf({}), "no StaticDataPath is given");
+  EXPECT_EQ(ComplaintOf({"--quiet"}), "no StaticDataPath is given");
+  EXPECT_EQ(ComplaintOf({"tree", "/a", "b.json", "c"}), "one argument too many: 'c'");
 }
 
 TEST(CheckOptions, RefuseAnEmptyPathAndUri) {
-  const std::string complaint = "ostrafel-check: StaticDataPath and URI must not be empty\n";
+  const std::string complaint = "StaticDataPath and URI must not be empty";
   EXPECT_EQ(ComplaintOf({""}), complaint);
   EXPECT_EQ(ComplaintOf({"", "/a"}), complaint);
   EXPECT_EQ(ComplaintOf({"tree", ""}), complaint);
@@ -166,19 +128,17 @@ TEST(CheckOptions, KnowAllWords) {
 
 TEST(CheckOptions, RefuseOtherWords) {
   EXPECT_EQ(ComplaintOf({"tree", "--format", "xml"}),
-            "ostrafel-check: --format knows no 'xml', only text, json, sarif, github\n");
+            "--format knows no 'xml', only text, json, sarif, github");
   EXPECT_EQ(ComplaintOf({"tree", "--color", "Never"}),
-            "ostrafel-check: --color knows no 'Never', only auto, always, never\n");
+            "--color knows no 'Never', only auto, always, never");
   EXPECT_EQ(ComplaintOf({"tree", "--fail-on", ""}),
-            "ostrafel-check: --fail-on knows no '', only error, warning, note\n");
+            "--fail-on knows no '', only error, warning, note");
 }
 
 TEST(CheckOptions, NameTheProgramWithoutItsFolder) {
-  EXPECT_EQ(ComplaintOf({"tree", "--nonsense"}),
-            "ostrafel-check: unrecognized option '--nonsense'\n");
-  EXPECT_EQ(ComplaintOf({"tree", "-x"}), "ostrafel-check: invalid option -- 'x'\n");
-  EXPECT_EQ(ComplaintOf({"tree", "--www"}),
-            "ostrafel-check: option '--www' requires an argument\n");
+  EXPECT_EQ(ComplaintOf({"tree", "--nonsense"}), "unrecognized option '--nonsense'");
+  EXPECT_EQ(ComplaintOf({"tree", "-x"}), "invalid option -- 'x'");
+  EXPECT_EQ(ComplaintOf({"tree", "--www"}), "option '--www' requires an argument");
 }
 
 TEST(CheckOptions, BeginAfreshAfterAComplaint) {
@@ -198,11 +158,10 @@ TEST(CheckOptions, TakeFiles) {
 }
 
 TEST(CheckOptions, RefuseEmptyNames) {
-  const std::string rest = " needs a name that is not empty\n";
-  EXPECT_EQ(ComplaintOf({"tree", "--www="}), "ostrafel-check: --www" + rest);
-  EXPECT_EQ(ComplaintOf({"tree", "--baseline="}), "ostrafel-check: --baseline" + rest);
-  EXPECT_EQ(ComplaintOf({"tree", "--write-baseline", ""}),
-            "ostrafel-check: --write-baseline" + rest);
+  const std::string rest = " needs a name that is not empty";
+  EXPECT_EQ(ComplaintOf({"tree", "--www="}), "--www" + rest);
+  EXPECT_EQ(ComplaintOf({"tree", "--baseline="}), "--baseline" + rest);
+  EXPECT_EQ(ComplaintOf({"tree", "--write-baseline", ""}), "--write-baseline" + rest);
 }
 
 TEST(ChosenRules, AreTheDefaultUnlessTheLineSaysOtherwise) {
@@ -241,25 +200,16 @@ TEST(ChosenRules, AreIgnoredWhereverThatIsSaid) {
 }
 
 TEST(ChosenRules, MustBeKnown) {
-  const std::string rest = " is no rule, and no rule's name begins so\n";
-  EXPECT_EQ(ComplaintOf({"tree", "--select", "load-syntaxes"}),
-            "ostrafel-check: --select: 'load-syntaxes'" + rest);
-  EXPECT_EQ(ComplaintOf({"tree", "--ignore", "link-,dangling"}),
-            "ostrafel-check: --ignore: 'dangling'" + rest);
-  EXPECT_EQ(ComplaintOf({"tree", "--select", ""}), "ostrafel-check: --select: ''" + rest);
-  EXPECT_EQ(ComplaintOf({"tree", "--select", "link-,"}), "ostrafel-check: --select: ''" + rest);
-  EXPECT_EQ(ComplaintOf({"tree", "--ignore", "link-, key-"}),
-            "ostrafel-check: --ignore: ' key-'" + rest);
+  const std::string rest = " is no rule, and no rule's name begins so";
+  EXPECT_EQ(ComplaintOf({"tree", "--select", "load-syntaxes"}), "--select: 'load-syntaxes'" + rest);
+  EXPECT_EQ(ComplaintOf({"tree", "--ignore", "link-,dangling"}), "--ignore: 'dangling'" + rest);
+  EXPECT_EQ(ComplaintOf({"tree", "--select", ""}), "--select: ''" + rest);
+  EXPECT_EQ(ComplaintOf({"tree", "--select", "link-,"}), "--select: ''" + rest);
+  EXPECT_EQ(ComplaintOf({"tree", "--ignore", "link-, key-"}), "--ignore: ' key-'" + rest);
 }
 
-// Without a tree: all is said on standard output, and the status is 0.
-std::string OutputOf(const Words& words) {
-  const Answer answer = Parse(words);
-  EXPECT_FALSE(answer.line.options);
-  EXPECT_EQ(answer.line.status, 0);
-  EXPECT_EQ(answer.err, "");
-  return answer.out;
-}
+// What is said without a tree.
+std::string OutputOf(const Words& words) { return AnswerTo(SaidOf(ParseCommandLine, words)); }
 
 TEST(CheckOptions, AnswerWhatNeedsNoTree) {
   EXPECT_EQ(OutputOf({"--version"}).compare(0, 15, "ostrafel-check "), 0);
@@ -271,9 +221,9 @@ TEST(CheckOptions, AnswerWhatNeedsNoTree) {
 }
 
 TEST(CheckOptions, ExplainOneRuleByItsWholeName) {
-  const std::string rest = " is no rule; --list-rules names them\n";
-  EXPECT_EQ(ComplaintOf({"--explain", "key-"}), "ostrafel-check: --explain: 'key-'" + rest);
-  EXPECT_EQ(ComplaintOf({"--explain", "all"}), "ostrafel-check: --explain: 'all'" + rest);
+  const std::string rest = " is no rule; --list-rules names them";
+  EXPECT_EQ(ComplaintOf({"--explain", "key-"}), "--explain: 'key-'" + rest);
+  EXPECT_EQ(ComplaintOf({"--explain", "all"}), "--explain: 'all'" + rest);
 }
 
 }  // namespace

@@ -9,37 +9,6 @@ namespace ostrafel {
 
 namespace {
 
-CheckOptions OptionsOf(const std::string& static_data_path) {
-  CheckOptions options;
-  options.static_data_path = static_data_path;
-  return options;
-}
-
-TEST(RelativePaths, LackWhatWasTyped) {
-  EXPECT_EQ(RelativePath(OptionsOf("tree"), "tree/Chassis/index.json"), "Chassis/index.json");
-  EXPECT_EQ(RelativePath(OptionsOf("tree/"), "tree//Chassis/index.json"), "Chassis/index.json");
-  EXPECT_EQ(RelativePath(OptionsOf("tree///"), "tree////index.json"), "index.json");
-  EXPECT_EQ(RelativePath(OptionsOf("./a/../tree"), "./a/../tree/index.json"), "index.json");
-  EXPECT_EQ(RelativePath(OptionsOf("/"), "//index.json"), "index.json");
-}
-
-TEST(RelativePaths, AreThePathsThemselvesElsewhere) {
-  EXPECT_EQ(RelativePath(OptionsOf("tree"), "trees/index.json"), "trees/index.json");
-  EXPECT_EQ(RelativePath(OptionsOf("tree"), "tree"), "tree");
-  EXPECT_EQ(RelativePath(OptionsOf("tree/"), "tree/"), "tree/");
-  EXPECT_EQ(RelativePath(OptionsOf("tree/index.json"), "tree/index.json"), "tree/index.json");
-  EXPECT_EQ(RelativePath(OptionsOf("tree"), "/www/x.json"), "/www/x.json");
-  EXPECT_EQ(RelativePath(OptionsOf("tree"), ""), "");
-}
-
-TEST(ShownPaths, AreThoseThatAnEditorOpens) {
-  EXPECT_EQ(ShownPath(OptionsOf("tree"), "tree/a/index.json"), "tree/a/index.json");
-  EXPECT_EQ(ShownPath(OptionsOf("tree//"), "tree///a/index.json"), "tree/a/index.json");
-  EXPECT_EQ(ShownPath(OptionsOf("/"), "//a/index.json"), "/a/index.json");
-  EXPECT_EQ(ShownPath(OptionsOf("tree/"), "/www//x.json"), "/www//x.json");
-  EXPECT_EQ(ShownPath(OptionsOf("tree/"), ""), "tree/");
-}
-
 TEST(SummaryLines, CountEverything) {
   Report report;
   report.files = 271;

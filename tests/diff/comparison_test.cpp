@@ -34,7 +34,7 @@ Lines Compared(const Server& stored, const Server& wanted) {
     const char* change = difference.change == Change::kMissing ? "missing "
                          : difference.change == Change::kExtra ? "extra "
                                                                : "changed ";
-    lines.push_back(change + std::string(NameOf(difference.kind)) + " " + difference.key + " " +
+    lines.push_back(change + std::string(NameOf(difference.type)) + " " + difference.key + " " +
                     RecordText(difference) + " " + TextOf(difference.stored) + " " +
                     TextOf(difference.wanted));
   }

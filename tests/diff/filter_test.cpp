@@ -17,10 +17,11 @@ using Words = std::vector<std::string>;
 Differences Some() {
   const auto place = [](const std::string& pointer) { return TreePlace{"f", pointer, {}}; };
   return {
-      {Change::kChanged, "/r", Kind::kHash, "A", "1", "2", place("/A")},
-      {Change::kExtra, "/r", Kind::kHash, "ETag", "1", std::nullopt, place("/ETag")},
-      {Change::kExtra, "/r/a", Kind::kHash, WholeKey(), std::nullopt, std::nullopt, std::nullopt},
-      {Change::kMissing, "/r/b", Kind::kHash, WholeKey(), std::nullopt, std::nullopt, place("")},
+      {Change::kChanged, "/r", KeyType::kHash, "A", "1", "2", place("/A")},
+      {Change::kExtra, "/r", KeyType::kHash, "ETag", "1", std::nullopt, place("/ETag")},
+      {Change::kExtra, "/r/a", KeyType::kHash, WholeKey(), std::nullopt, std::nullopt,
+       std::nullopt},
+      {Change::kMissing, "/r/b", KeyType::kHash, WholeKey(), std::nullopt, std::nullopt, place("")},
   };
 }
 

@@ -9,67 +9,25 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "diff/usage.h"
 #include "support/scoped_variable.h"
 #include "support/temp_directory.h"
+#include "tool/said_line.h"
 
 namespace ostrafel {
 
 namespace {
 
-using Words = std::vector<std::string>;
-
-const std::string kHint = "Try 'ostrafel-diff --help' for more information.\n";
-
-struct Said {
-  DiffCommandLine line;
-  std::string out;
-  std::string err;
-};
-
-DiffCommandLine LineOf(Words words) {
-  words.insert(words.begin(), "/some/where/ostrafel-diff");
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-  return ParseDiffCommandLine(static_cast<int>(words.size()), argv.data());
-}
-
-Said Parse(const Words& words) {
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  Said said;
-  said.line = LineOf(words);
-  said.out = testing::internal::GetCapturedStdout();
-  said.err = testing::internal::GetCapturedStderr();
-  return said;
-}
-
 // The options of a line that is right when "tree /r" follows.
 DiffOptions OptionsOf(Words words) {
   words.insert(words.end(), {"tree", "/r"});
-  const Said said = Parse(words);
-  EXPECT_EQ(said.out + said.err, "");
-  EXPECT_TRUE(said.line.options);
-  return said.line.options.value_or(DiffOptions());
+  return RightOptions(SaidOf(ParseDiffCommandLine, words));
 }
 
-// What a line that is wrong is answered, less the name in front and the hint at the end.
+// How a line that is wrong is refused.
 std::string ComplaintOf(const Words& words) {
-  const std::string name = "ostrafel-diff: ";
-  const Said said = Parse(words);
-  EXPECT_FALSE(said.line.options);
-  EXPECT_EQ(said.line.status, 2);
-  EXPECT_EQ(said.out, "");
-  if (said.err.size() < name.size() + kHint.size() + 1) return "too short: " + said.err;
-  const std::size_t size = said.err.size() - kHint.size();
-  EXPECT_EQ(said.err.substr(size), kHint);
-  EXPECT_EQ(said.err.compare(0, name.size(), name), 0) << said.err;
-  std::string complaint = said.err.substr(name.size(), size - name.size() - 1);
-  EXPECT_EQ(complaint.find('\n'), std::string::npos) << complaint;
-  return complaint;
+  return Complaint(SaidOf(ParseDiffCommandLine, words), "ostrafel-diff");
 }
 
 // The same of options that "tree /r" follows.
@@ -133,8 +91,9 @@ TEST(DiffOptions, TakeAPasswordThatNoCommandLineShows) {
   EXPECT_EQ(OptionsOf({}).server.password, "of the environment");
   const std::string file = directory.Write("password", "of the file\n");
   EXPECT_EQ(OptionsOf({"--password-file", file}).server.password, "of the file");
-  EXPECT_THROW((void)LineOf({"--password-file", directory.path("none"), "tree", "/r"}),
-               std::runtime_error);
+  EXPECT_THROW(
+      (void)LineOf(ParseDiffCommandLine, {"--password-file", directory.path("none"), "tree", "/r"}),
+      std::runtime_error);
 }
 
 TEST(DiffOptions, NeedATreeAndItsKey) {
@@ -146,7 +105,7 @@ TEST(DiffOptions, NeedATreeAndItsKey) {
 }
 
 TEST(DiffOptions, TakeTheNameOfTheFiles) {
-  const Said said = Parse({"tree", "/r", "--update", "file.json"});
+  const auto said = SaidOf(ParseDiffCommandLine, {"tree", "/r", "--update", "file.json"});
   ASSERT_TRUE(said.line.options);
   EXPECT_EQ(said.line.options->file_name, "file.json");
 }
@@ -198,11 +157,7 @@ TEST(DiffOptions, RefuseWhatDoesNotGoTogether) {
 
 TEST(DiffOptions, AnswerWhatNeedsNoTree) {
   const auto answer_to = [](const Words& words) {
-    const Said said = Parse(words);
-    EXPECT_FALSE(said.line.options);
-    EXPECT_EQ(said.line.status, 0);
-    EXPECT_EQ(said.err, "");
-    return said.out;
+    return AnswerTo(SaidOf(ParseDiffCommandLine, words));
   };
   EXPECT_EQ(answer_to({"--help"}), DiffHelpText());
   EXPECT_EQ(answer_to({"-h"}), DiffHelpText());

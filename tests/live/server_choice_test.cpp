@@ -92,6 +92,17 @@ TEST(Password, NeedsAFileThatCanBeRead) {
             folder.path() + ": Is a directory");
 }
 
+TEST(Password, HasAnEnd) {
+  const TempDirectory folder;
+  const std::string longest(65536, 'x');
+  EXPECT_EQ(ReadPassword(folder.Write("longest", longest + "\n")), longest);
+  for (const std::string& path :
+       {folder.Write("longer", longest + "x"), std::string("/dev/zero")}) {
+    EXPECT_EQ(ErrorOf([&] { return ReadPassword(path); }),
+              path + ": its first line is too long for a password");
+  }
+}
+
 // The server that a test chooses, or the loader's files name.
 class ChosenServer : public testing::Test {
  protected:

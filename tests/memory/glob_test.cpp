@@ -120,6 +120,36 @@ TEST(LiteralStart, EndsBeforeTheFirstSpecialByte) {
   EXPECT_EQ(LiteralStart("/r"), "/r");
 }
 
+TEST(EscapeGlob, MatchesTheStringAndNothingElse) {
+  std::mt19937 generator(1);
+  const std::string bytes("ab-]^*?[\\/\0\x01\x80\xff", 14);
+  const auto draw = [&] {
+    std::string text;
+    for (std::size_t i = generator() % 8; i > 0; --i) text += bytes[generator() % bytes.size()];
+    return text;
+  };
+  for (int round = 0; round < 20000; ++round) {
+    const std::string text = draw();
+    const std::string pattern = EscapeGlob(text);
+    ASSERT_TRUE(MatchesGlob(pattern, text)) << testing::PrintToString(text);
+    std::string other = draw();
+    ASSERT_EQ(MatchesGlob(pattern, other), other == text) << testing::PrintToString(other);
+    if (text.empty()) continue;
+    // One byte is another one, is missing or is there twice.
+    const std::size_t place = generator() % text.size();
+    other = text;
+    other[place] = bytes[generator() % bytes.size()];
+    ASSERT_EQ(MatchesGlob(pattern, other), other == text) << testing::PrintToString(other);
+    ASSERT_FALSE(MatchesGlob(pattern, std::string(text).erase(place, 1)));
+    ASSERT_FALSE(MatchesGlob(pattern, std::string(text).insert(place, 1, text[place])));
+  }
+}
+
+TEST(EscapeGlob, LeavesWhatHasNoMeaningAsItIs) {
+  EXPECT_EQ(EscapeGlob("/redfish/v1/a b&&#"), "/redfish/v1/a b&&#");
+  EXPECT_EQ(EscapeGlob(""), "");
+}
+
 // Patterns and names of few bytes, so that they often match.
 class RandomGlobs : public testing::Test {
  protected:

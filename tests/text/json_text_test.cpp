@@ -81,6 +81,35 @@ TEST(JsonWriter, WritesAllKindsOfValuesIndented) {
 )");
 }
 
+TEST(JsonWriter, IndentsByAsManyBlanksAsItIsTold) {
+  for (const std::size_t indent : {std::size_t{0}, std::size_t{1}, std::size_t{4}}) {
+    JsonWriter json(indent);
+    json.OpenObject();
+    json.Name("a");
+    json.OpenArray();
+    json.Number(1);
+    json.Close();
+    json.Close();
+    const std::string blanks(indent, ' ');
+    EXPECT_EQ(json.Finish(),
+              "{\n" + blanks + "\"a\": [\n" + blanks + blanks + "1\n" + blanks + "]\n}\n");
+  }
+}
+
+TEST(JsonWriter, TakesValuesThatAreThereAlready) {
+  JsonWriter json;
+  json.OpenObject();
+  json.Name("a");
+  json.Literal("5.0");
+  json.Name("b");
+  json.OpenArray();
+  json.Literal("-0.0");
+  json.Literal("null");
+  json.Close();
+  json.Close();
+  EXPECT_EQ(json.Finish(), "{\n  \"a\": 5.0,\n  \"b\": [\n    -0.0,\n    null\n  ]\n}\n");
+}
+
 }  // namespace
 
 }  // namespace ostrafel

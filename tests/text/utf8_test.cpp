@@ -4,6 +4,7 @@
 #include "text/utf8.h"
 
 #include <gtest/gtest.h>
+#include <jansson.h>
 
 #include <string>
 
@@ -82,6 +83,20 @@ TEST(Utf8, PrintsControlsAndOtherBytesEscaped) {
   EXPECT_EQ(Printable("a\xFF\xE2\x82z"), R"(a\xff\xe2\x82z)");  // no UTF-8
   EXPECT_EQ(Printable(std::string("a\0b", 3)), R"(a\x00b)");
   EXPECT_EQ(Printable(""), "");
+}
+
+TEST(Utf8, IsWhatJsonTakes) {
+  for (const std::string& text :
+       {std::string(), std::string("a\x01\x7f"), std::string("\xC2\x80\xF4\x8F\xBF\xBF"),
+        std::string("\xEF\xBF\xBF"), std::string("\xFF"), std::string("a\x80"),
+        std::string("\xC0\x80"), std::string("\xED\xA0\x80"), std::string("\xF4\x90\x80\x80"),
+        std::string("a\xE2\x82"), std::string("\xC3")}) {
+    json_t* value = json_stringn(text.data(), text.size());
+    EXPECT_EQ(IsText(text), value != nullptr) << testing::PrintToString(text);
+    json_decref(value);
+  }
+  EXPECT_FALSE(IsText(std::string("a\0b", 3)));
+  EXPECT_FALSE(IsText(std::string("\0", 1)));
 }
 
 }  // namespace

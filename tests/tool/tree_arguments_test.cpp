@@ -83,17 +83,36 @@ TEST(TreeArguments, SetTheIncludeFolder) {
             ToolName + std::string(": ") + tree.www + ": is no folder\n");
 }
 
-TEST(RelativePath, IsLessTheTree) {
+TEST(RelativePaths, LackWhatWasTyped) {
+  EXPECT_EQ(RelativePath(At("tree"), "tree/Chassis/index.json"), "Chassis/index.json");
+  EXPECT_EQ(RelativePath(At("tree/"), "tree//Chassis/index.json"), "Chassis/index.json");
+  EXPECT_EQ(RelativePath(At("tree///"), "tree////index.json"), "index.json");
+  EXPECT_EQ(RelativePath(At("./a/../tree"), "./a/../tree/index.json"), "index.json");
+  EXPECT_EQ(RelativePath(At("/"), "//index.json"), "index.json");
   EXPECT_EQ(RelativePath(At("t"), "t/a/b"), "a/b");
   EXPECT_EQ(RelativePath(At("t//"), "t///a"), "a");
   EXPECT_EQ(RelativePath(At("/"), "/a"), "a");
+}
+
+TEST(RelativePaths, AreThePathsThemselvesElsewhere) {
+  EXPECT_EQ(RelativePath(At("tree"), "trees/index.json"), "trees/index.json");
+  EXPECT_EQ(RelativePath(At("tree"), "tree"), "tree");
+  EXPECT_EQ(RelativePath(At("tree/"), "tree/"), "tree/");
+  EXPECT_EQ(RelativePath(At("tree/index.json"), "tree/index.json"), "tree/index.json");
+  EXPECT_EQ(RelativePath(At("tree"), "/www/x.json"), "/www/x.json");
+  EXPECT_EQ(RelativePath(At("tree"), ""), "");
   EXPECT_EQ(RelativePath(At("t"), "tu/a"), "tu/a");
   EXPECT_EQ(RelativePath(At("t.json"), "t.json"), "t.json");
   EXPECT_EQ(RelativePath(At("t"), "t/"), "t/");
   EXPECT_EQ(RelativePath(At("t"), "/www/x"), "/www/x");
 }
 
-TEST(ShownPath, HasOneSlashBehindTheTree) {
+TEST(ShownPaths, AreThoseThatAnEditorOpens) {
+  EXPECT_EQ(ShownPath(At("tree"), "tree/a/index.json"), "tree/a/index.json");
+  EXPECT_EQ(ShownPath(At("tree//"), "tree///a/index.json"), "tree/a/index.json");
+  EXPECT_EQ(ShownPath(At("/"), "//a/index.json"), "/a/index.json");
+  EXPECT_EQ(ShownPath(At("tree/"), "/www//x.json"), "/www//x.json");
+  EXPECT_EQ(ShownPath(At("tree/"), ""), "tree/");
   EXPECT_EQ(ShownPath(At("t"), "t/a/b"), "t/a/b");
   EXPECT_EQ(ShownPath(At("t//"), "t///a"), "t/a");
   EXPECT_EQ(ShownPath(At("/"), "//a"), "/a");
