@@ -57,7 +57,8 @@ std::vector<std::string> EnvironmentWith(
   (void)dup2(nothing, STDIN_FILENO);
   (void)dup2(out, STDOUT_FILENO);
   (void)dup2(err, STDERR_FILENO);
-  (void)signal(SIGPIPE, SIG_DFL);
+  // Whoever runs the tests may ignore some, as nohup does.
+  for (const int number : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) (void)signal(number, SIG_DFL);
   if (options.in_child != nullptr) options.in_child();
   (void)execve(argv[0], argv, environment);
   _exit(127);
