@@ -68,9 +68,15 @@ void FailingCallsTest::SetUp() {
 FailingRun FailingCallsTest::RunDirectly(const FailingCalls& failing,
                                          const std::vector<std::string>& arguments,
                                          void (*in_child)()) {
+  return RunCommand(failing, ProgramCommand(arguments), in_child);
+}
+
+FailingRun FailingCallsTest::RunCommand(const FailingCalls& failing,
+                                        const std::vector<std::string>& command,
+                                        void (*in_child)()) {
   const RunOptions options = Preload(failing, ReportPath(), in_child);
   const auto start = std::chrono::steady_clock::now();
-  return Complete(RunProgram(ProgramCommand(arguments), options), start);
+  return Complete(RunProgram(command, options), start);
 }
 
 FailingRun FailingCallsTest::RunRecorded(const FailingCalls& failing,

@@ -46,6 +46,10 @@ class FailingCallsTest : public SystemTest {
   /// Likewise, through the Recorder: what was sent is then in recording.
   FailingRun RunRecorded(const FailingCalls& failing, const std::vector<std::string>& arguments);
 
+  /// Runs another program: the first word of the command.
+  FailingRun RunCommand(const FailingCalls& failing, const std::vector<std::string>& command,
+                        void (*in_child)() = nullptr);
+
  private:
   FailingRun Complete(const Finished& finished, std::chrono::steady_clock::time_point start);
   std::string ReportPath() const { return reports_.path("calls"); }

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Ostrafel developers
 // SPDX-License-Identifier: Apache-2.0
 
-// Files: opening them, and reading and writing them through stdio.
+// Files: opening and closing them, and reading and writing them through stdio.
 #include <fcntl.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -59,6 +61,16 @@ int openat64(int directory, const char* path, int flags, ...) {
   va_end(arguments);
   static auto* const next = failing_calls::Next<int(int, const char*, int, ...)>("openat64");
   return failing_calls::Fails(failing_calls::kOpen) ? -1 : next(directory, path, flags, mode);
+}
+
+int close(int file) {
+  static auto* const next = failing_calls::Next<int(int)>("close");
+  const bool fails = failing_calls::Fails(failing_calls::kClose);
+  const int error = errno;
+  const int status = next(file);
+  if (!fails) return status;
+  errno = error;
+  return -1;
 }
 
 std::FILE* fopen(const char* path, const char* mode) {

@@ -36,6 +36,7 @@ constexpr Name kNames[kCallCount] = {
     {"connect", ECONNREFUSED},
     {"opendir", EMFILE},
     {"readdir", EIO},
+    {"close", ENOSPC},
     {"stat", EIO},
     {"popen", EMFILE},
     {"pclose", ECHILD},

@@ -43,6 +43,7 @@ enum Call {
   kConnect,
   kOpendir,
   kReaddir,
+  kClose,  ///< Closes the file and then reports a failure.
   kStat,
   kPopen,
   kPclose,         ///< Closes the pipe and then reports a failure.
