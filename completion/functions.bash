@@ -243,11 +243,23 @@ _ostrafel_takes_value() {
   "$@"
 }
 
-# _ostrafel_offer_for_tool FUNCTION OPTION...: for a line of options and a tree's arguments. The
-# function offers values for an option that takes one, and returns 1 for any other.
+# For a tree's arguments, with the arguments before it.
+_ostrafel_offer_tree_argument() {
+  local real_path=''
+  ((${#arguments[@]} == 0)) || _ostrafel_find_real_path "${arguments[0]}"
+  case ${#arguments[@]} in
+    0) _ostrafel_offer_paths '*.[jJ][sS][oO][nN]' ;;
+    1) _ostrafel_offer_uri "$real_path" ;;
+    2) _ostrafel_offer_names "$real_path" ;;
+  esac
+}
+
+# _ostrafel_offer_for_tool VALUES ARGUMENT OPTION...: for a line of options and arguments. VALUES is
+# a function that offers values for an option that takes one, and returns 1 for any other; ARGUMENT
+# one that offers what may stand behind the arguments that are there.
 # shellcheck disable=SC2154  # _ostrafel_complete sets the words
 _ostrafel_offer_for_tool() {
-  local offer_values=$1 word option='' ended='' real_path='' start
+  local offer_values=$1 offer_argument=$2 word option='' ended='' start
   local -a arguments=()
   for word in "${words[@]:1:${#words[@]}-2}"; do
     if [[ $option ]]; then
@@ -266,17 +278,12 @@ _ostrafel_offer_for_tool() {
     option=${start%=} current=${current#"$start"}
     kept=$((kept < ${#start} ? 0 : kept - ${#start}))
   fi
-  ((${#arguments[@]} == 0)) || _ostrafel_find_real_path "${arguments[0]}"
   if [[ $option ]]; then
     "$offer_values" "$option"
   elif [[ ! $ended && $current == -* ]]; then
-    _ostrafel_offer_words "${@:2}"
+    _ostrafel_offer_words "${@:3}"
   else
-    case ${#arguments[@]} in
-      0) _ostrafel_offer_paths '*.[jJ][sS][oO][nN]' ;;
-      1) _ostrafel_offer_uri "$real_path" ;;
-      2) _ostrafel_offer_names "$real_path" ;;
-    esac
+    "$offer_argument"
   fi
 }
 

@@ -36,9 +36,9 @@ _ostrafel_check_offer_values() {
 }
 
 _ostrafel_check_offer() {
-  _ostrafel_offer_for_tool _ostrafel_check_offer_values --www --select --ignore --baseline \
-    --write-baseline --fail-on --format --color --quiet --print-store --list-rules --explain --help \
-    --version
+  _ostrafel_offer_for_tool _ostrafel_check_offer_values _ostrafel_offer_tree_argument \
+    --www --select --ignore --baseline --write-baseline --fail-on --format --color --quiet \
+    --print-store --list-rules --explain --help --version
 }
 
 _ostrafel_check() { _ostrafel_complete "$1" _ostrafel_check_offer; }

@@ -24,8 +24,9 @@ _ostrafel_diff_offer_values() {
 }
 
 _ostrafel_diff_offer() {
-  _ostrafel_offer_for_tool _ostrafel_diff_offer_values --update --against --ignore --no-extra --www \
-    --apply --batch --socket --tcp --password-file --format --stat --color --quiet --help --version
+  _ostrafel_offer_for_tool _ostrafel_diff_offer_values _ostrafel_offer_tree_argument \
+    --update --against --ignore --no-extra --www --apply --batch --socket --tcp --password-file \
+    --format --stat --color --quiet --help --version
 }
 
 _ostrafel_diff() { _ostrafel_complete "$1" _ostrafel_diff_offer; }

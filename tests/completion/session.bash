@@ -78,7 +78,7 @@ TREES
 # Lines for the start of the shell.
 make_commands() {
   local command
-  for command in Ostrafel ostrafel-check ostrafel-diff; do
+  for command in Ostrafel ostrafel-{check,diff,export}; do
     printf '%s() { printf "<%%s>" "$@" >"%s/new" && mv "%s/new" "%s/arguments"; }\n' \
       "$command" "$work" "$work" "$work"
   done
@@ -236,8 +236,27 @@ ostrafel-diff -q tree / Pa<TAB> => <-q><tree></><Patch.JSON>
 ostrafel-diff odd <TAB> => <odd></with blank/$(touch @FOLDER@/ran)`touch @FOLDER@/ran`'"'"'x>
 '
 
+# And for ostrafel-export.
+readonly export_cases='
+ostrafel-export --f<TAB> --wi<TAB> /r<TAB> tr<TAB> => <--force><--windows-names></redfish/v1><tree/>
+ostrafel-export <TAB> => </redfish/v1>
+ostrafel-export /x => </x>
+# A folder, and no file; none where one resource is printed.
+ostrafel-export /x sing<TAB> => </x><sing>
+ostrafel-export /x my\ tr<TAB>Sys<TAB> => </x><my tree/Systems/>
+ostrafel-export -- /x tr<TAB> => <--></x><tree/>
+ostrafel-export --pri<TAB> /r<TAB> => <--print></redfish/v1>
+ostrafel-export --print /x tr<TAB> => <--print></x><tr>
+# Files; what only the user knows.
+ostrafel-export --socket not<TAB> => <--socket><notes.txt>
+ostrafel-export --password-file=not<TAB> /r<TAB> => <--password-file=notes.txt></redfish/v1>
+ostrafel-export --www sing<TAB> => <--www><sing>
+ostrafel-export --tcp tr<TAB> /r<TAB> => <--tcp><tr></redfish/v1>
+'
+
 # The common cases for a folder; those of the tools only where they are installed.
 cases_in() {
   printf '%s' "${common_cases//'@FOLDER@'/$1}"
-  [[ ! -e $installed/bin/ostrafel-check ]] || printf '%s' "${check_cases//'@FOLDER@'/$1}${diff_cases//'@FOLDER@'/$1}"
+  [[ ! -e $installed/bin/ostrafel-check ]] ||
+    printf '%s' "${check_cases//'@FOLDER@'/$1}${diff_cases//'@FOLDER@'/$1}$export_cases"
 }

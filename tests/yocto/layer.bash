@@ -66,7 +66,7 @@ install_image() {
     cmake -S "$root" -B "$work/build" -DCMAKE_INSTALL_PREFIX=/usr "${options[@]}" "$1" "$tools" &&
       { [[ $1 != "$with_manual" ]] || cmake --build "$work/build" --target manual; } &&
       cp -- "$OSTRAFEL_INSTALLED/bin/Ostrafel" "$work/build/" &&
-      { [[ $tools != "$with_tools" ]] || cp -- "$OSTRAFEL_INSTALLED"/bin/ostrafel-{check,diff} "$work/build/"; } &&
+      { [[ $tools != "$with_tools" ]] || cp -- "$OSTRAFEL_INSTALLED"/bin/ostrafel-{check,diff,export} "$work/build/"; } &&
       DESTDIR=$image cmake --install "$work/build"
   } >"$work/install.log" 2>&1 || sed 's/^/#   /' "$work/install.log"
 }

@@ -42,7 +42,9 @@ PACKAGECONFIG[tools] = "-DOSTRAFEL_TOOLS=ON,-DOSTRAFEL_TOOLS=OFF,nlohmann-json"
 FILES:${PN} += "${systemd_system_unitdir} ${libexecdir}/ostrafel"
 
 PACKAGES =+ "${PN}-tools ${PN}-zsh-completion"
-FILES:${PN}-tools = "${bindir}/ostrafel-check ${bindir}/ostrafel-diff ${datadir}/ostrafel"
+FILES:${PN}-tools = "\
+    ${bindir}/ostrafel-check ${bindir}/ostrafel-diff ${bindir}/ostrafel-export ${datadir}/ostrafel \
+"
 FILES:${PN}-zsh-completion = "${datadir}/zsh"
 
 # By name: without it, hiredis may bring another server. Of util-linux only what locks: BusyBox may be

@@ -1,0 +1,128 @@
+// SPDX-FileCopyrightText: 2026 The Ostrafel developers
+// SPDX-License-Identifier: Apache-2.0
+
+#include "export/value_facts.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "document/file_inclusion.h"
+#include "export/member_order.h"
+#include "layout/layout.h"
+#include "layout/resource_id.h"
+#include "layout/value_reading.h"
+#include "live/key_reading.h"
+#include "text/utf8.h"
+
+namespace ostrafel {
+
+namespace {
+
+// FNV-1a with 64 bits. Nobody but a writer by chance has to be told apart.
+class Digest {
+ public:
+  void Add(std::string_view bytes) {
+    for (const char c : bytes) Mix(static_cast<unsigned char>(c));
+    Mix(bytes.size());  // where it ends
+  }
+
+  [[nodiscard]] std::uint64_t Value() const { return value_; }
+
+ private:
+  void Mix(std::uint64_t number) { value_ = (value_ ^ number) * 0x100000001B3U; }
+
+  std::uint64_t value_ = 0xCBF29CE484222325U;
+};
+
+// True when the hash takes its own key (ValueFacts).
+bool TakesOwnKey(const std::string& key, const Hash& hash) {
+  const auto id = hash.find(IdMember);
+  if (id == hash.end() || !IsText(key)) return false;
+  const bool has_other = std::any_of(hash.begin(), hash.end(), [&](const auto& record) {
+    const std::string name =
+        record.second.empty() ? MemberOfField(key, record.first) : record.first;
+    return name != IdMember && IsText(name);
+  });
+  if (!has_other) return false;
+  const Scalar scalar = ReadScalar(id->second);
+  return scalar.kind == ScalarKind::kString && scalar.text == key;
+}
+
+// Looks at a value, record after record.
+class Looker {
+ public:
+  explicit Looker(const std::string& key) : key_(key) { look_.facts.size = key.size(); }
+
+  Look At(const Stored& value) {
+    ValueFacts& facts = look_.facts;
+    facts.type = IsEmpty(value) ? KeyType::kNone : KeyTypeOf(value);
+    if (const Hash* hash = std::get_if<Hash>(&value)) LookAtHash(*hash);
+    if (const List* list = std::get_if<List>(&value)) LookAtList(*list);
+    shape_.Add(std::to_string(static_cast<int>(facts.type)));
+    shape_.Add(facts.takes_own_key ? IdMember : "");
+    shape_.Add(facts.includes_file ? FileMember : "");
+    facts.content = content_.Value();
+    facts.shape = shape_.Value();
+    return std::move(look_);
+  }
+
+ private:
+  void LookAtHash(const Hash& hash) {
+    look_.facts.takes_own_key = TakesOwnKey(key_, hash);
+    look_.facts.includes_file = hash.count(FileMember) != 0;
+    look_.facts.records = hash.size();
+    for (const auto& [field, value] : hash) {
+      AddContent(field);
+      AddContent(value);
+      if (!value.empty()) continue;
+      std::vector<RecordParts> readings = ReadingsOfField(key_, field).parts;
+      if (readings.empty()) continue;
+      std::string name = readings.front().name;
+      // Only of an object any of them may be chosen.
+      if (readings.front().marker != ObjectMarker) readings.resize(1);
+      for (const RecordParts& reading : readings) {
+        if (reading.name == FileMember) look_.facts.includes_file = true;
+      }
+      AddRecord({std::move(name), std::move(readings)});
+    }
+    std::stable_sort(
+        look_.records.begin(), look_.records.end(),
+        [](const Look::Record& a, const Look::Record& b) { return StandsBefore(a.name, b.name); });
+  }
+
+  void LookAtList(const List& list) {
+    look_.facts.records = list.size();
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      AddContent(list[i]);
+      std::optional<RecordParts> parts = PartsOfElement(list[i]);
+      if (parts) AddRecord({std::to_string(i), {*std::move(parts)}});
+    }
+  }
+
+  void AddContent(const std::string& text) {
+    content_.Add(text);
+    look_.facts.size += text.size();
+  }
+
+  void AddRecord(Look::Record record) {
+    if (record.readings.front().marker == ObjectRefMarker) return;
+    shape_.Add(record.name);
+    shape_.Add(record.readings.front().marker);
+    shape_.Add(record.readings.front().target);
+    look_.records.push_back(std::move(record));
+  }
+
+  const std::string& key_;
+  Look look_;
+  Digest content_;
+  Digest shape_;
+};
+
+}  // namespace
+
+Look LookAt(const std::string& key, const Stored& value) { return Looker(key).At(value); }
+
+}  // namespace ostrafel
