@@ -2,7 +2,8 @@
 # SPDX-FileCopyrightText: 2026 The Ostrafel developers
 # SPDX-License-Identifier: Apache-2.0
 
-"""Writes the figures of a run of measure.py, checking.py or differing.py into a Markdown document.
+"""Writes the figures of a run of measure.py, checking.py, differing.py or exporting.py into a Markdown
+document.
 
 A table goes between the comments "<!-- begin NAME -->" and "<!-- end NAME -->"; what lies outside
 of them is written by hand and stays."""
@@ -156,13 +157,14 @@ def check(measured):
                   "peak memory, MiB", "rounds"], rows)
 
 
-def diff(measured):
+def beside_create(lines):
+    """Runs of a companion and of a create of the same tree."""
     rows = []
-    for line in measured["diff"]:
-        with_server = [f"{line['memory']:.1f}", milliseconds(line["wait"])] if "memory" in line \
-            else ["", ""]
-        rows.append([line["name"], milliseconds(line["wall"]), f"{line['ratio']:.2f}",
-                     *with_server, line["rounds"]])
+    for line in lines:
+        memory = f"{line['memory']:.1f}" if "memory" in line else ""
+        wait = milliseconds(line["wait"]) if "wait" in line else ""
+        rows.append([line["name"], milliseconds(line["wall"]), f"{line['ratio']:.2f}", memory, wait,
+                     line["rounds"]])
     return table(["run", "wall time, ms", "÷ create", "peak memory, MiB",
                   "longest wait of another client, ms", "rounds"], rows)
 
@@ -176,7 +178,9 @@ def blocks(measured):
     if "check" in measured:
         return {"ostrafel-check": check(measured)}
     if "diff" in measured:
-        return {"ostrafel-diff": diff(measured)}
+        return {"ostrafel-diff": beside_create(measured["diff"])}
+    if "export" in measured:
+        return {"ostrafel-export": beside_create(measured["export"])}
     made = {"results": results(measured), "per file": per_file(measured),
             "start-up": start_up(measured), "machine": machine(measured),
             "pieces": pieces(measured)}
@@ -190,7 +194,7 @@ def blocks(measured):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("results", type=pathlib.Path, help="results.json of measure.py, or those of "
-                        "checking.py or differing.py")
+                        "checking.py, differing.py or exporting.py")
     parser.add_argument("document", type=pathlib.Path)
     arguments = parser.parse_args()
     text = arguments.document.read_text(encoding="utf-8")
