@@ -61,7 +61,7 @@ class DocumentReading {
                  const auto kept = held.find(&entry);
                  if (kept != held.end()) {
                    Keep(entry, kept->second);
-                 } else if (!value || IsChanged(entry, *value)) {
+                 } else if (!value || DigestOf(*value) != entry.second.content) {
                    unsteady_.insert(entry.first);
                  } else {
                    Keep(entry, *std::move(value));
@@ -100,16 +100,12 @@ class DocumentReading {
 
   // True when the value leads to the same keys as the one that was planned with.
   static bool HasShape(const KeyEntry& entry, const Stored& value) {
-    return LookAt(entry.first, value).facts.shape == entry.second.shape;
+    return DigestOf(value) == entry.second.content ||
+           LookAt(entry.first, value).facts.shape == entry.second.shape;
   }
 
   void Keep(const KeyEntry& entry, Stored value) {
     if (!IsEmpty(value)) contents_.emplace(&entry, std::move(value));
-  }
-
-  static bool IsChanged(const KeyEntry& entry, const Stored& value) {
-    const ValueFacts facts = LookAt(entry.first, value).facts;
-    return facts.content != entry.second.content || facts.shape != entry.second.shape;
   }
 
   void Begin() {

@@ -24,6 +24,8 @@ namespace {
 // FNV-1a with 64 bits. Nobody but a writer by chance has to be told apart.
 class Digest {
  public:
+  void Add(KeyType type) { Mix(static_cast<std::uint64_t>(type)); }
+
   void Add(std::string_view bytes) {
     for (const char c : bytes) Mix(static_cast<unsigned char>(c));
     Mix(bytes.size());  // where it ends
@@ -51,6 +53,9 @@ bool TakesOwnKey(const std::string& key, const Hash& hash) {
   return scalar.kind == ScalarKind::kString && scalar.text == key;
 }
 
+// An empty value is that of a key that is gone.
+KeyType HeldType(const Stored& value) { return IsEmpty(value) ? KeyType::kNone : KeyTypeOf(value); }
+
 // Looks at a value, record after record.
 class Looker {
  public:
@@ -58,13 +63,13 @@ class Looker {
 
   Look At(const Stored& value) {
     ValueFacts& facts = look_.facts;
-    facts.type = IsEmpty(value) ? KeyType::kNone : KeyTypeOf(value);
+    facts.type = HeldType(value);
     if (const Hash* hash = std::get_if<Hash>(&value)) LookAtHash(*hash);
     if (const List* list = std::get_if<List>(&value)) LookAtList(*list);
-    shape_.Add(std::to_string(static_cast<int>(facts.type)));
+    shape_.Add(facts.type);
     shape_.Add(facts.takes_own_key ? IdMember : "");
     shape_.Add(facts.includes_file ? FileMember : "");
-    facts.content = content_.Value();
+    facts.content = DigestOf(value);
     facts.shape = shape_.Value();
     return std::move(look_);
   }
@@ -75,8 +80,7 @@ class Looker {
     look_.facts.includes_file = hash.count(FileMember) != 0;
     look_.facts.records = hash.size();
     for (const auto& [field, value] : hash) {
-      AddContent(field);
-      AddContent(value);
+      look_.facts.size += field.size() + value.size();
       if (!value.empty()) continue;
       std::vector<RecordParts> readings = ReadingsOfField(key_, field).parts;
       if (readings.empty()) continue;
@@ -96,15 +100,10 @@ class Looker {
   void LookAtList(const List& list) {
     look_.facts.records = list.size();
     for (std::size_t i = 0; i < list.size(); ++i) {
-      AddContent(list[i]);
+      look_.facts.size += list[i].size();
       std::optional<RecordParts> parts = PartsOfElement(list[i]);
       if (parts) AddRecord({std::to_string(i), {*std::move(parts)}});
     }
-  }
-
-  void AddContent(const std::string& text) {
-    content_.Add(text);
-    look_.facts.size += text.size();
   }
 
   void AddRecord(Look::Record record) {
@@ -117,11 +116,24 @@ class Looker {
 
   const std::string& key_;
   Look look_;
-  Digest content_;
   Digest shape_;
 };
 
 }  // namespace
+
+std::uint64_t DigestOf(const Stored& value) {
+  Digest digest;
+  digest.Add(HeldType(value));
+  if (const Hash* hash = std::get_if<Hash>(&value)) {
+    for (const auto& [field, content] : *hash) {
+      digest.Add(field);
+      digest.Add(content);
+    }
+  } else if (const List* list = std::get_if<List>(&value)) {
+    for (const std::string& element : *list) digest.Add(element);
+  }
+  return digest.Value();
+}
 
 Look LookAt(const std::string& key, const Stored& value) { return Looker(key).At(value); }
 

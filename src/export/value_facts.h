@@ -25,8 +25,8 @@ struct ValueFacts {
   bool includes_file = false;  ///< A hash with "&&File": as a root, it would include a file.
   std::uint64_t size = 0;      ///< In bytes, with the key's name.
   std::uint64_t records = 0;   ///< How many fields or elements it has.
-  std::uint64_t content = 0;   ///< A digest of it,
-  std::uint64_t shape = 0;     ///< and of where it leads to.
+  std::uint64_t content = 0;   ///< Its digest (DigestOf),
+  std::uint64_t shape = 0;     ///< and one of where it leads to.
 };
 
 /// What a look at a value tells.
@@ -38,6 +38,9 @@ struct Look {
   ValueFacts facts;
   std::vector<Record> records;  ///< Of objects and arrays, in the order in which they are written.
 };
+
+/// A digest of all that the value holds. Two values with the same one may be taken for the same.
+[[nodiscard]] std::uint64_t DigestOf(const Stored& value);
 
 /// Looks at what key holds.
 [[nodiscard]] Look LookAt(const std::string& key, const Stored& value);
