@@ -91,10 +91,7 @@ class DocumentReading {
   static std::vector<KeyToRead> KeysToRead(const std::vector<KeyEntry*>& entries) {
     std::vector<KeyToRead> keys;
     keys.reserve(entries.size());
-    for (const KeyEntry* entry : entries) {
-      const KeyType type = entry->second.type;
-      keys.push_back({&entry->first, type == KeyType::kNone ? KeyType::kHash : type});
-    }
+    for (const KeyEntry* entry : entries) keys.push_back({&entry->first, entry->second.type});
     return keys;
   }
 
@@ -122,8 +119,7 @@ class DocumentReading {
     for (const std::string& key : restless) {
       const auto entry = keys_.find(key);
       // One that is not there this time must not be there at that moment either.
-      const bool is_there = entry != keys_.end() && entry->second.type != KeyType::kNone;
-      to_read.push_back({&key, is_there ? entry->second.type : KeyType::kHash});
+      to_read.push_back({&key, entry == keys_.end() ? KeyType::kNone : entry->second.type});
     }
     try {
       StreamKeysAtOnce(context_, {}, to_read, nullptr,

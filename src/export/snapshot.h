@@ -35,12 +35,13 @@ struct Snapshot {
 
 /// Reads the scope and gives one document after the other away; no more than one is in memory.
 ///
-/// First learns of all keys (LearnKeys), and plans. Up to kKeysAtOnce keys are then read in one
-/// MULTI ... EXEC, and must still lead to each other as before. More, and all where the server's
-/// memory is full, are read in pipelines, and must hold what they held at the first reading; those
-/// that did not are read in one MULTI ... EXEC between the two readings the next time, and kept in
-/// memory, as long as they are no more than kKeysAtOnce. So what is given away was in the store at
-/// one moment; but no reading tells of a key that changes and changes back between two of them.
+/// First learns of all keys (LearnKeys), and plans. Up to kKeysAtOnce keys, one that stands in
+/// several documents counted with each, are then read in one MULTI ... EXEC, and must still lead to
+/// each other as before. More, and all where the server's memory is full, are read in pipelines,
+/// and must hold what they held at the first reading; those that did not are read in one MULTI ...
+/// EXEC between the two readings the next time, and kept in memory, as long as they are no more
+/// than kKeysAtOnce. So what is given away was in the store at one moment; but no reading tells of
+/// a key that changes and changes back between two of them.
 ///
 /// Tried kMostReadings times. Raises runtime_error when the store never held still, and as
 /// StreamKeys does; what the taker raises ends the reading.

@@ -56,11 +56,11 @@ KeyType TypeNamed(std::string_view name) {
 
 void AppendRead(const std::string& key, KeyType type, LivePipeline* pipeline) {
   switch (type) {
+    case KeyType::kNone:
     case KeyType::kHash:
       return pipeline->Append({"HGETALL", key});
     case KeyType::kList:
       return pipeline->Append({"LRANGE", key, "0", "-1"});
-    case KeyType::kNone:
     case KeyType::kOther:
       return pipeline->Append({"TYPE", key});
   }
@@ -77,10 +77,10 @@ bool TakeRead(const redisReply& reply, KeyType type, Stored* value) {
     return name == "none" || TypeNamed(name) == KeyType::kOther;
   }
   if (reply.type == REDIS_REPLY_ERROR && IsWrongType(TextOf(reply))) return false;
-  if (type == KeyType::kHash) {
-    *value = HashOf(StringsOf(reply, "HGETALL"));
-  } else {
+  if (type == KeyType::kList) {
     *value = StringsOf(reply, "LRANGE");
+  } else {
+    *value = HashOf(StringsOf(reply, "HGETALL"));
   }
   return true;
 }

@@ -28,7 +28,8 @@ inline constexpr std::size_t kKeysInPipeline = 1000;
 void ScanKeys(redisContext* context, const std::string& pattern, std::vector<std::string>* keys);
 
 /// Appends the command that reads a key which is taken to be of this type: HGETALL, LRANGE or, of
-/// other types, of which only the type is read, TYPE.
+/// other types, of which only the type is read, TYPE. One that is taken not to be there is asked
+/// for like a hash.
 void AppendRead(const std::string& key, KeyType type, LivePipeline* pipeline);
 
 /// Takes what AppendRead has asked for: an empty hash or list for a key that is gone. False when it

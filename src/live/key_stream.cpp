@@ -22,9 +22,9 @@ constexpr std::size_t kKeysAhead = 100;
 // What an element says of a key of this type; nothing when it holds another.
 std::optional<Stored> ValueOf(ArrayElement element, KeyType type) {
   if (element.type == REDIS_REPLY_ARRAY) {
-    if (type == KeyType::kHash) return HashOf(std::move(element.strings));
+    if (type == KeyType::kOther) RefuseReply("EXEC");
     if (type == KeyType::kList) return std::move(element.strings);
-    RefuseReply("EXEC");
+    return HashOf(std::move(element.strings));
   }
   const std::string& text = element.strings.front();
   if (element.type == REDIS_REPLY_ERROR) {
