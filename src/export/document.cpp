@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -17,12 +20,19 @@
 #include "layout/resource_id.h"
 #include "layout/value_reading.h"
 #include "layout/value_rendering.h"
+#include "live/store_reading.h"
 #include "text/json_text.h"
 #include "text/utf8.h"
 
 namespace ostrafel {
 
 namespace {
+
+// What stands again has no longer name or value than this beside its key.
+constexpr std::size_t kLongestAgain = 1000;
+
+// What a member is called there whose name is longer.
+const std::string kNameAgain = "Id";
 
 // A member of an object, or an element of an array.
 struct Item {
@@ -116,10 +126,11 @@ class Writer {
   // The members of the hash, in their order, each name once.
   std::vector<Item> MembersOf(const KeyEntry& entry) {
     const Parent parent = {entry, entry, ParentKind::kHash};
+    const RecordReader reader(entry.first);
     std::vector<Item> members;
     for (const auto& [field, value] : HashAt(entry)) {
       Item item = {field, field, value, {}};
-      if (value.empty()) TakeReference(parent, &item);
+      if (value.empty()) TakeReference(parent, reader, &item);
       if (IsText(item.name)) {
         members.push_back(std::move(item));
       } else {
@@ -141,12 +152,12 @@ class Writer {
   }
 
   // Reads the field as a reference record, if it is one.
-  void TakeReference(const Parent& parent, Item* item) {
-    RecordReadings readings = ReadingsOfField(parent.entry.first, item->record);
+  void TakeReference(const Parent& parent, const RecordReader& reader, Item* item) {
+    RecordReadings readings = reader.ReadingsOf(item->record);
     if (readings.parts.empty()) return;
     std::size_t chosen = 0;
     if (readings.parts.size() > 1 && readings.parts.front().marker == ObjectMarker) {
-      chosen = ChosenReading(keys_, readings.parts, &readings.likely).value_or(0);
+      chosen = ChosenReading(keys_, &readings);
     }
     if (readings.likely > 1) Lose(parent, *item, "can be read in more than one way");
     item->reference = std::move(readings.parts[chosen]);
@@ -167,9 +178,10 @@ class Writer {
   void WriteArray(const Parent& parent) {
     ++level_;
     json_.OpenArray();
+    const RecordReader reader(parent.entry.first);
     const List& list = std::get<List>(contents_.find(&parent.entry)->second);
     for (std::size_t i = 0; i < list.size(); ++i) {
-      WriteItem(parent, {std::to_string(i), list[i], list[i], PartsOfElement(list[i])});
+      WriteItem(parent, {std::to_string(i), list[i], list[i], reader.PartsOf(i, list[i])});
     }
     json_.Close();
     --level_;
@@ -178,7 +190,7 @@ class Writer {
   void WriteItem(const Parent& parent, const Item& item) {
     if (!item.reference) return WriteScalar(parent, item);
     // What the item holds stands two levels deeper than the members of the object that is open.
-    if (level_ + 2 > kMostLevels && !IsEmptyPart(parent, item)) {
+    if (level_ + 2 > kMostLevels && !IsEmptyPart(*item.reference)) {
       Lose(parent, item, "stands deeper than a load reads");
       return WriteEmpty(*item.reference);
     }
@@ -187,13 +199,18 @@ class Writer {
     return is_object ? WriteObjectAt(parent, item) : WriteArrayAt(parent, item);
   }
 
+  // What a record of an object or array points to. The plan was made with the same records, unless
+  // somebody changed them to others of the same digest.
+  [[nodiscard]] const KeyEntry& EntryOf(const RecordParts& reference) const {
+    const auto entry = keys_.find(reference.target);
+    if (entry == keys_.end()) throw std::runtime_error(UnsteadyMessage(1, reference.target));
+    return *entry;
+  }
+
   // True for an object or array that has no key, because it holds nothing.
-  bool IsEmptyPart(const Parent& parent, const Item& item) const {
-    const RecordParts& reference = *item.reference;
-    if (reference.marker == ObjectRefMarker || reference.target != PlaceOf(parent, item)) {
-      return false;
-    }
-    return keys_.find(reference.target)->second.type == KeyType::kNone;
+  [[nodiscard]] bool IsEmptyPart(const RecordParts& reference) const {
+    return reference.marker != ObjectRefMarker && reference.is_in_place &&
+           EntryOf(reference).second.type == KeyType::kNone;
   }
 
   void WriteEmpty(const RecordParts& reference) {
@@ -242,15 +259,9 @@ class Writer {
     json_.String(WithoutGarbage(text));
   }
 
-  // Where a create puts the item's object or array, unless that has a key of its own choice.
-  static std::string PlaceOf(const Parent& parent, const Item& item) {
-    return DerivedKey(parent.entry.first, item.name);
-  }
-
   void WriteObjectAt(const Parent& parent, const Item& item) {
-    const std::string& target = item.reference->target;
-    const KeyEntry& entry = *keys_.find(target);
-    const bool is_in_place = target == PlaceOf(parent, item);
+    const KeyEntry& entry = EntryOf(*item.reference);
+    const bool is_in_place = item.reference->is_in_place;
     if (entry.second.type == KeyType::kHash && entry.second.takes_own_key) {
       return WriteResourceAt(parent, item, entry);
     }
@@ -265,7 +276,7 @@ class Writer {
     if (&entry == &root_ && &parent.resource == &root_ && !is_in_place && HasOther(root_)) {
       return WriteAgain(root_);
     }
-    if (!is_in_place && !IsDerivedKey(target)) {
+    if (!is_in_place && !IsDerivedKey(entry.first)) {
       Lose(parent, item, "its hash does not have its key in \"@odata.id\"");
       return WriteLink(parent, item);
     }
@@ -297,37 +308,49 @@ class Writer {
       return WriteLink(parent, item);
     }
     if (made_.keys.count(&entry) != 0) return WriteAgain(entry);
+    if (key_only_.count(&entry) != 0) return WriteKeyOnly(parent, item);
     const std::vector<Item> members = MembersOf(entry);
     RememberOther(entry, members);
-    if (!HasOther(entry)) return WriteKeyOnly(parent, item);
+    if (!HasOther(entry)) {
+      key_only_.insert(&entry);
+      return WriteKeyOnly(parent, item);
+    }
     made_.keys.insert(&entry);
     WriteObject({entry, entry, ParentKind::kHash}, members);
   }
 
-  // Keeps the member that stands beside the key where the object stands again. Only where the
-  // object stands first all members are looked at: it may stand again very often.
+  // Keeps the member that stands beside the key where the object stands again: the shortest one.
+  // Only where the object stands first all members are looked at: it may stand again very often.
   void RememberOther(const KeyEntry& entry, const std::vector<Item>& members) {
     if (!IsText(entry.first)) return;
-    const auto is_other = [](const Item& member) { return member.name != IdMember; };
-    const auto is_scalar = [&](const Item& member) {
-      return is_other(member) && !member.reference;
-    };
-    auto other = std::find_if(members.begin(), members.end(), is_scalar);
-    if (other == members.end()) other = std::find_if(members.begin(), members.end(), is_other);
-    if (other != members.end()) others_.emplace(&entry, *other);
+    const auto other =
+        std::min_element(members.begin(), members.end(),
+                         [](const Item& a, const Item& b) { return SizeAgain(a) < SizeAgain(b); });
+    if (other != members.end() && other->name != IdMember) others_.emplace(&entry, *other);
+  }
+
+  // So many bytes stand beside the key, about: scalars are better than objects and arrays, of which
+  // nothing is left, and the key itself is the last choice.
+  static std::size_t SizeAgain(const Item& item) {
+    if (item.name == IdMember) return std::string_view::npos;
+    return item.name.size() +
+           (item.reference ? kLongestAgain : std::min(item.value.size(), kLongestAgain));
   }
 
   [[nodiscard]] bool HasOther(const KeyEntry& entry) const { return others_.count(&entry) != 0; }
 
-  // The key, and one member more: without it this would be a link.
+  // The key, and one member more: without it this would be a link. A load looks no further.
   void WriteAgain(const KeyEntry& entry) {
     const Item& other = others_.find(&entry)->second;
+    const std::string& name = other.name.size() > kLongestAgain ? kNameAgain : other.name;
     json_.OpenObject();
-    const bool is_key_first = StandsBefore(IdMember, other.name);
+    const bool is_key_first = StandsBefore(IdMember, name);
     if (is_key_first) json_.Member(IdMember, entry.first);
-    json_.Name(other.name);
+    json_.Name(name);
     if (other.reference) {
       WriteEmpty(*other.reference);
+    } else if (other.value.size() > kLongestAgain) {
+      json_.Null();
     } else {
       WriteScalar({entry, entry, ParentKind::kHash}, other);
     }
@@ -341,8 +364,8 @@ class Writer {
   }
 
   void WriteArrayAt(const Parent& parent, const Item& item) {
-    const KeyEntry& entry = *keys_.find(item.reference->target);
-    const bool is_in_place = item.reference->target == PlaceOf(parent, item);
+    const KeyEntry& entry = EntryOf(*item.reference);
+    const bool is_in_place = item.reference->is_in_place;
     if (!is_in_place) Lose(parent, item, "a create would store the array elsewhere");
     if (!TakePart(parent, entry, false, is_in_place)) return WriteEmpty(*item.reference);
     WriteArray({entry, parent.resource, ParentKind::kList});
@@ -357,6 +380,7 @@ class Writer {
   JsonWriter json_{kIndent};
   std::size_t level_ = 0;
   std::unordered_map<const KeyEntry*, Item> others_;  // see RememberOther
+  std::unordered_set<const KeyEntry*> key_only_;      // resources that have no other member
 };
 
 }  // namespace

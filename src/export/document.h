@@ -40,7 +40,7 @@ struct DocumentText {
   std::string text;
   Losses losses;     ///< What a create of it would not make as it is stored.
   WrittenKeys keys;  ///< What is written in it, the root among them.
-  /// A load takes the root's key from its "@odata.id".
+  /// The root takes its own key (ValueFacts), and still does so in this document.
   bool tells_key = false;
 };
 

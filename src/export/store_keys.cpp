@@ -21,34 +21,61 @@ void Learn(const Stored& value, KeyEntry* entry, StoreKeys* keys) {
   static_cast<ValueFacts&>(facts) = look.facts;
   facts.is_read = true;
   facts.children.clear();
-  for (const Look::Record& record : look.records) {
-    for (const RecordParts& parts : record.readings) {
+  for (const Look::Readings& readings : look.records) {
+    for (const RecordParts& parts : readings) {
       KeyEntry& child = *keys->try_emplace(parts.target).first;
       const bool is_object = parts.marker == ObjectMarker;
       if (!child.second.is_read && child.second.type == KeyType::kNone) {
         child.second.type = is_object ? KeyType::kHash : KeyType::kList;
       }
-      const bool is_in_place = parts.target == DerivedKey(entry->first, record.name);
-      facts.children.push_back(
-          {&child, is_object, is_in_place, &parts == &record.readings.front()});
+      facts.children.push_back({&child, is_object, parts.is_in_place, &parts == &readings.front()});
     }
   }
 }
 
-// Leaves of the children of each record with several readings the one that takes its own key, if
-// there is one.
+// What a reading of a record of an object points to.
+struct Target {
+  const KeyEntry* entry;  // null when nothing is known of it
+  bool is_in_place;
+};
+
+// The place of the target that the store has, as ChosenReading; count becomes how many there are.
+std::optional<std::size_t> ChooseTarget(const std::vector<Target>& targets, std::size_t* count) {
+  std::optional<std::size_t> chosen;
+  *count = 0;
+  for (std::size_t i = 0; i < targets.size(); ++i) {
+    if (targets[i].entry == nullptr) continue;
+    const KeyFacts& facts = targets[i].entry->second;
+    if (!facts.takes_own_key && (!targets[i].is_in_place || facts.type != KeyType::kHash)) continue;
+    if (!chosen) chosen = i;
+    ++*count;
+  }
+  if (!chosen && targets.front().is_in_place) {
+    chosen = 0;
+    *count = 1;
+  }
+  return chosen;
+}
+
+// Leaves of the children of each record with several readings the chosen one, if there is one.
 void ChooseChildren(KeyFacts* facts) {
   std::vector<Child> chosen;
   const std::vector<Child>& children = facts->children;
   for (std::size_t begin = 0, end = 0; begin < children.size(); begin = end) {
     end = begin + 1;
     while (end < children.size() && !children[end].is_first) ++end;
-    for (std::size_t i = begin; i < end; ++i) {
-      const bool takes_own_key = children[i].is_object && children[i].entry->second.takes_own_key;
-      if (end - begin > 1 && !takes_own_key) continue;
-      chosen.push_back(children[i]);
-      break;
+    std::size_t place = begin;
+    if (end - begin > 1) {
+      std::vector<Target> targets;
+      for (std::size_t i = begin; i < end; ++i) {
+        targets.push_back({children[i].entry, children[i].is_in_place});
+      }
+      std::size_t count = 0;
+      const std::optional<std::size_t> target = ChooseTarget(targets, &count);
+      if (!target) continue;
+      place += *target;
     }
+    chosen.push_back(children[place]);
   }
   facts->children = std::move(chosen);
 }
@@ -144,19 +171,16 @@ bool StandsHere(const KeyEntry& part, bool is_object, bool is_in_place) {
          (is_in_place || !part.second.has_place);
 }
 
-std::optional<std::size_t> ChosenReading(const StoreKeys& keys,
-                                         const std::vector<RecordParts>& readings,
-                                         std::size_t* likely) {
-  std::optional<std::size_t> chosen;
-  std::size_t found = 0;
-  for (std::size_t i = 0; i < readings.size(); ++i) {
-    const auto target = keys.find(readings[i].target);
-    if (target == keys.end() || !target->second.takes_own_key) continue;
-    if (!chosen) chosen = i;
-    ++found;
+std::size_t ChosenReading(const StoreKeys& keys, RecordReadings* readings) {
+  std::vector<Target> targets;
+  for (const RecordParts& parts : readings->parts) {
+    const auto target = keys.find(parts.target);
+    targets.push_back({target == keys.end() ? nullptr : &*target, parts.is_in_place});
   }
-  if (chosen) *likely = found;
-  return chosen;
+  std::size_t count = 0;
+  const std::optional<std::size_t> chosen = ChooseTarget(targets, &count);
+  if (chosen) readings->likely = count;
+  return chosen.value_or(0);
 }
 
 StoreKeys LearnKeys(const KeySource& source, const ExportScope& scope) {

@@ -81,12 +81,11 @@ struct ExportScope {
 /// in the place in which a create would have it or, when no record stands there, anywhere.
 [[nodiscard]] bool StandsHere(const KeyEntry& part, bool is_object, bool is_in_place);
 
-/// The place of the reading, of those of a record of an object, whose target takes its own key, as
-/// no create makes such a record otherwise; the first one, if there are several. Nothing when there
-/// is none. likely becomes the number of these readings, if there is any.
-[[nodiscard]] std::optional<std::size_t> ChosenReading(const StoreKeys& keys,
-                                                       const std::vector<RecordParts>& readings,
-                                                       std::size_t* likely);
+/// Chooses, of the readings of a record of an object, the one whose object the store has: in its
+/// place or, as no create makes such a record otherwise, with a key of its own choice; the first
+/// one, if there are several. Sets likely to how many there are, but to no less than 1 where the
+/// first reading is in place: an empty object has no key.
+[[nodiscard]] std::size_t ChosenReading(const StoreKeys& keys, RecordReadings* readings);
 
 /// A store to learn from, whatever it is kept in.
 struct KeySource {
@@ -97,8 +96,8 @@ struct KeySource {
 };
 
 /// Reads the names of all keys in the scope, and then these keys and those that their records point
-/// to. Of a record with several readings the children are what the chosen one points to
-/// (ChosenReading), if that takes its own key.
+/// to. Of a record with several readings the child is what the chosen one points to
+/// (ChosenReading), if the store has that.
 [[nodiscard]] StoreKeys LearnKeys(const KeySource& source, const ExportScope& scope);
 
 /// The same of a server, each key at a moment of its own (ScanKeys, StreamKeys).

@@ -40,12 +40,11 @@ class Digest {
 };
 
 // True when the hash takes its own key (ValueFacts).
-bool TakesOwnKey(const std::string& key, const Hash& hash) {
+bool TakesOwnKey(const std::string& key, const RecordReader& reader, const Hash& hash) {
   const auto id = hash.find(IdMember);
   if (id == hash.end() || !IsText(key)) return false;
   const bool has_other = std::any_of(hash.begin(), hash.end(), [&](const auto& record) {
-    const std::string name =
-        record.second.empty() ? MemberOfField(key, record.first) : record.first;
+    const std::string name = record.second.empty() ? reader.MemberOf(record.first) : record.first;
     return name != IdMember && IsText(name);
   });
   if (!has_other) return false;
@@ -59,7 +58,9 @@ KeyType HeldType(const Stored& value) { return IsEmpty(value) ? KeyType::kNone :
 // Looks at a value, record after record.
 class Looker {
  public:
-  explicit Looker(const std::string& key) : key_(key) { look_.facts.size = key.size(); }
+  explicit Looker(const std::string& key) : key_(key), reader_(key) {
+    look_.facts.size = key.size();
+  }
 
   Look At(const Stored& value) {
     ValueFacts& facts = look_.facts;
@@ -76,45 +77,47 @@ class Looker {
 
  private:
   void LookAtHash(const Hash& hash) {
-    look_.facts.takes_own_key = TakesOwnKey(key_, hash);
+    look_.facts.takes_own_key = TakesOwnKey(key_, reader_, hash);
     look_.facts.includes_file = hash.count(FileMember) != 0;
     look_.facts.records = hash.size();
     for (const auto& [field, value] : hash) {
       look_.facts.size += field.size() + value.size();
       if (!value.empty()) continue;
-      std::vector<RecordParts> readings = ReadingsOfField(key_, field).parts;
+      std::vector<RecordParts> readings = reader_.ReadingsOf(field).parts;
       if (readings.empty()) continue;
-      std::string name = readings.front().name;
       // Only of an object any of them may be chosen.
       if (readings.front().marker != ObjectMarker) readings.resize(1);
       for (const RecordParts& reading : readings) {
         if (reading.name == FileMember) look_.facts.includes_file = true;
       }
-      AddRecord({std::move(name), std::move(readings)});
+      AddRecord(std::move(readings));
     }
-    std::stable_sort(
-        look_.records.begin(), look_.records.end(),
-        [](const Look::Record& a, const Look::Record& b) { return StandsBefore(a.name, b.name); });
+    std::stable_sort(look_.records.begin(), look_.records.end(),
+                     [](const Look::Readings& a, const Look::Readings& b) {
+                       return StandsBefore(a.front().name, b.front().name);
+                     });
   }
 
   void LookAtList(const List& list) {
     look_.facts.records = list.size();
     for (std::size_t i = 0; i < list.size(); ++i) {
       look_.facts.size += list[i].size();
-      std::optional<RecordParts> parts = PartsOfElement(list[i]);
-      if (parts) AddRecord({std::to_string(i), {*std::move(parts)}});
+      std::optional<RecordParts> parts = reader_.PartsOf(i, list[i]);
+      if (parts) AddRecord({*std::move(parts)});
     }
   }
 
-  void AddRecord(Look::Record record) {
-    if (record.readings.front().marker == ObjectRefMarker) return;
-    shape_.Add(record.name);
-    shape_.Add(record.readings.front().marker);
-    shape_.Add(record.readings.front().target);
-    look_.records.push_back(std::move(record));
+  void AddRecord(Look::Readings readings) {
+    const RecordParts& likeliest = readings.front();
+    if (likeliest.marker == ObjectRefMarker) return;
+    shape_.Add(likeliest.name);
+    shape_.Add(likeliest.marker);
+    shape_.Add(likeliest.target);
+    look_.records.push_back(std::move(readings));
   }
 
   const std::string& key_;
+  RecordReader reader_;
   Look look_;
   Digest shape_;
 };

@@ -31,12 +31,10 @@ struct ValueFacts {
 
 /// What a look at a value tells.
 struct Look {
-  struct Record {
-    std::string name;                   ///< The member's, or the element's index.
-    std::vector<RecordParts> readings;  ///< The likeliest first.
-  };
+  using Readings = std::vector<RecordParts>;  ///< Of one record, the likeliest first.
   ValueFacts facts;
-  std::vector<Record> records;  ///< Of objects and arrays, in the order in which they are written.
+  std::vector<Readings>
+      records;  ///< Of objects and arrays, in the order in which they are written.
 };
 
 /// A digest of all that the value holds. Two values with the same one may be taken for the same.

@@ -75,7 +75,7 @@ std::string RandomName(std::mt19937& generator) {
   return text;
 }
 
-TEST(ReadingsOfField, HaveWhatTheRecordWasMadeOf) {
+TEST(RecordReadings, HaveWhatTheRecordWasMadeOf) {
   std::mt19937 generator(1);
   for (int round = 0; round < 20000; ++round) {
     const std::string key = RandomName(generator);
@@ -85,21 +85,28 @@ TEST(ReadingsOfField, HaveWhatTheRecordWasMadeOf) {
     const std::string marker =
         std::vector<std::string>{ObjectMarker, ObjectRefMarker, ArrayMarker}[generator() % 3];
     const std::string field = Join(ReferenceRecord(ParentKind::kHash, marker, name, target));
-    const RecordReadings readings = ReadingsOfField(key, field);
+    const RecordReadings readings = RecordReader(key).ReadingsOf(field);
     ASSERT_FALSE(readings.parts.empty()) << field;
     ASSERT_GE(readings.likely, 1U) << field;
     ASSERT_LE(readings.likely, readings.parts.size()) << field;
     const auto is_it = [&](const RecordParts& parts) {
       return parts.marker == marker && parts.name == name && parts.target == target;
     };
+    const bool has_derived = readings.parts[0].target == DerivedKey(key, readings.parts[0].name);
+    for (const RecordParts& parts : readings.parts) {
+      ASSERT_EQ(parts.is_in_place, has_derived && &parts == &readings.parts[0]) << field;
+    }
+    if (has_derived) {
+      ASSERT_EQ(readings.likely, 1U) << field;
+    }
     if (is_derived) {
-      ASSERT_EQ(readings.parts.size(), 1U) << field;
       ASSERT_TRUE(is_it(readings.parts[0])) << key << ": " << field;
+      ASSERT_TRUE(readings.parts.size() == 1 || marker == ObjectMarker) << field;
     } else if (readings.parts.size() > 1 || is_it(readings.parts[0])) {
       ASSERT_TRUE(std::any_of(readings.parts.begin(), readings.parts.end(), is_it)) << field;
     } else {
       // Another name's derived key, by chance.
-      ASSERT_EQ(readings.parts[0].target, DerivedKey(key, readings.parts[0].name)) << field;
+      ASSERT_TRUE(has_derived && marker != ObjectMarker) << field;
     }
     for (const RecordParts& parts : readings.parts) {
       ASSERT_EQ(Join(ReferenceRecord(ParentKind::kHash, parts.marker, parts.name, parts.target)),
@@ -110,14 +117,14 @@ TEST(ReadingsOfField, HaveWhatTheRecordWasMadeOf) {
 
 // "name|target" of each reading, the likely ones in front of a "-".
 std::vector<std::string> Readings(const std::string& field) {
-  const RecordReadings readings = ReadingsOfField("/r", field);
+  const RecordReadings readings = RecordReader("/r").ReadingsOf(field);
   std::vector<std::string> texts;
   for (const RecordParts& parts : readings.parts) texts.push_back(parts.name + "|" + parts.target);
   texts.insert(texts.begin() + static_cast<std::ptrdiff_t>(readings.likely), "-");
   return texts;
 }
 
-TEST(ReadingsOfField, AreTheLikelyOnesFirst) {
+TEST(RecordReadings, AreTheLikelyOnesFirst) {
   using Texts = std::vector<std::string>;
   EXPECT_EQ(Readings("&&ObjectRef A /c"), (Texts{"A|/c", "-"}));
   EXPECT_EQ(Readings("&&ObjectRef A b /c"), (Texts{"A b|/c", "-", "A|b /c"}));
@@ -128,16 +135,19 @@ TEST(ReadingsOfField, AreTheLikelyOnesFirst) {
   EXPECT_EQ(Readings("&&ObjectRef  "), (Texts{"|", "-"}));
   EXPECT_EQ(Readings("&&ObjectRef A  "), (Texts{"A |", "A| ", "-"}));
   EXPECT_EQ(Readings("&&Array A &&/r/A"), (Texts{"A|&&/r/A", "-"}));
+  EXPECT_EQ(Readings("&&Array A b &&/r/A b"), (Texts{"A b|&&/r/A b", "-"}));
+  EXPECT_EQ(Readings("&&Object A /o &&/r/A /o"),
+            (Texts{"A /o|&&/r/A /o", "-", "A|/o &&/r/A /o", "A /o &&/r/A|/o"}));
 }
 
-TEST(ReadingsOfField, AreNoneOfWhatIsNoRecord) {
+TEST(RecordReadings, AreNoneOfWhatIsNoRecord) {
   for (const char* field : {"", "A", "&&ETag", "&&Object", "&&Object ", "&&Object A",
                             "&&Objects a b", "&&object a b", " &&Object a b"}) {
     EXPECT_EQ(Readings(field), std::vector<std::string>{"-"}) << field;
   }
 }
 
-TEST(ReadingsOfField, OfAFieldWithVeryManyBlanksAreFew) {
+TEST(RecordReadings, OfAFieldWithVeryManyBlanksAreFew) {
   // With the square of that it would be a matter of hours.
   const std::string blanks(1000000, ' ');
   std::string keys;
@@ -145,39 +155,41 @@ TEST(ReadingsOfField, OfAFieldWithVeryManyBlanksAreFew) {
   std::string starts;  // of what the derived key begins with
   for (int i = 0; i < 200000; ++i) starts += " &&/r/";
   for (const std::string& rest : {blanks, keys, starts, "A" + keys + "/A", blanks + "/c"}) {
-    const RecordReadings readings = ReadingsOfField("/r", ObjectMarker + rest);
+    const RecordReadings readings = RecordReader("/r").ReadingsOf(ObjectMarker + rest);
     EXPECT_FALSE(readings.parts.empty());
     EXPECT_LE(readings.parts.size(), 32U);
   }
 }
 
-TEST(PartsOfElement, AreMarkerAndTarget) {
+TEST(ElementParts, AreMarkerAndTarget) {
   for (const std::string marker : {ObjectMarker, ObjectRefMarker, ArrayMarker}) {
     for (const std::string target : {"/c", " ", "a b /c", "&&/r/0", "&&Object x"}) {
       const std::string element =
           Join(ReferenceRecord(ParentKind::kList, marker, "no matter", target));
-      const std::optional<RecordParts> parts = PartsOfElement(element);
+      const std::optional<RecordParts> parts = RecordReader("&&/r").PartsOf(0, element);
       ASSERT_TRUE(parts) << element;
       EXPECT_EQ(parts->marker, marker);
-      EXPECT_EQ(parts->name, "");
+      EXPECT_EQ(parts->name, "0");
       EXPECT_EQ(parts->target, target);
+      EXPECT_EQ(parts->is_in_place, target == "&&/r/0");
     }
   }
 }
 
-TEST(PartsOfElement, MayHaveAnEmptyTargetUnlessItIsAnArrays) {
+TEST(ElementParts, MayHaveAnEmptyTargetUnlessItIsAnArrays) {
   for (const std::string marker : {ObjectMarker, ObjectRefMarker}) {
-    const std::optional<RecordParts> parts = PartsOfElement(marker);
+    const std::optional<RecordParts> parts = RecordReader("&&/r").PartsOf(7, marker);
     ASSERT_TRUE(parts) << marker;
     EXPECT_EQ(parts->marker, marker);
+    EXPECT_EQ(parts->name, "7");
     EXPECT_EQ(parts->target, "");
   }
-  EXPECT_FALSE(PartsOfElement(ArrayMarker));
+  EXPECT_FALSE(RecordReader("&&/r").PartsOf(0, ArrayMarker));
 }
 
-TEST(PartsOfElement, AreNoneOfScalars) {
+TEST(ElementParts, AreNoneOfScalars) {
   for (const char* element : {"", "1", "\"&&Object /x\"", "&&Object", "&&ObjectReference /x"}) {
-    EXPECT_FALSE(PartsOfElement(element)) << element;
+    EXPECT_FALSE(RecordReader("&&/r").PartsOf(0, element)) << element;
   }
 }
 
