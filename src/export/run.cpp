@@ -91,24 +91,21 @@ WrittenKeys WriteResource(const PlannedDocument& document, const ExportOptions& 
 // Adds the keys that are in no document, but for those of which that is told already.
 void AddLostKeys(const Snapshot& snapshot, Losses* losses) {
   for (const KeyEntry* entry : snapshot.lost) {
-    const Loss loss(entry->first, "", ReasonOf(*entry));
-    const auto told = losses->lower_bound({entry->first, "", ""});
-    const bool is_told = told != losses->end() && told->key == loss.key && told->record.empty();
-    if (!is_told) losses->insert(loss);
+    if (!losses->HasWhole(entry->first)) losses->insert({entry->first, "", ReasonOf(*entry)});
   }
 }
 
-void PrintLosses(const Exported& exported) {
-  std::size_t keys = 0;
-  const std::string* last = nullptr;
-  for (const Loss& loss : exported.losses) {
-    PrintTrouble(loss.key + ": " + (loss.record.empty() ? "" : loss.record + ": ") + loss.reason);
-    if (last == nullptr || *last != loss.key) ++keys;
-    last = &loss.key;
+void PrintLosses(const Losses& losses) {
+  if (losses.empty()) return;
+  for (const auto& [key, records] : losses.ByKey()) {
+    const std::string start = ShownName(key) + ": ";
+    for (const LostRecord& record : records) {
+      PrintTrouble(start + (record.shown.empty() ? "" : record.shown + ": ") + record.reason);
+    }
   }
-  if (exported.losses.empty()) return;
-  PrintTrouble("not all comes back: " + Grouped(exported.losses.size()) +
-               (exported.losses.size() == 1 ? " loss" : " losses") + " at " + Counted(keys, "key"));
+  const std::size_t count = losses.size();
+  PrintTrouble("not all comes back: " + Grouped(count) + (count == 1 ? " loss" : " losses") +
+               " at " + Counted(losses.ByKey().size(), "key"));
 }
 
 int StatusOf(const Exported& exported) { return exported.losses.empty() ? kWhole : kIncomplete; }
@@ -148,7 +145,7 @@ int WriteTree(redisContext* context, const ExportOptions& options) {
       exported.losses.insert({path, "", "is not of this export, and a create would load it"});
     }
   }
-  PrintLosses(exported);
+  PrintLosses(exported.losses);
   if (exported.documents == 0) {
     PrintTrouble(options.uri + ": the store holds no resource at or below it");
   }
@@ -176,7 +173,7 @@ int PrintResource(redisContext* context, const ExportOptions& options) {
     return kTrouble;
   }
   AddLostKeys(snapshot, &exported.losses);
-  PrintLosses(exported);
+  PrintLosses(exported.losses);
   return WriteOutput(text) ? StatusOf(exported) : kTrouble;
 }
 

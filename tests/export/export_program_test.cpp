@@ -103,6 +103,16 @@ TEST_F(ExportProgram, SaysWhatDoesNotComeBackEvenWhenQuiet) {
   EXPECT_EQ(finished.status, 1);
 }
 
+TEST_F(ExportProgram, CountsKeysThatLookAlikeWhenTheyAreShortened) {
+  const std::string half(1500, 'k');
+  for (const char* middle : {"a", "b", "c"}) {
+    (void)store.Run(Command{"SET", "/r/" + half + middle + half, "x"});
+  }
+  const Finished finished = Export({"-q", "/r", out});
+  EXPECT_EQ(std::count(finished.err.begin(), finished.err.end(), '\n'), 4);
+  EXPECT_NE(finished.err.find("3 losses at 3 keys\n"), std::string::npos) << finished.err;
+}
+
 TEST_F(ExportProgram, PrintsOneResource) {
   const Finished finished = Export({"--print", "/r"});
   EXPECT_EQ(finished.out, kTop);

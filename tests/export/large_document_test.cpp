@@ -36,9 +36,13 @@ MemoryExport ExportSoon(const Server& server) {
 }
 
 std::size_t CountOf(const MemoryExport& made, const std::string& reason) {
-  return static_cast<std::size_t>(
-      std::count_if(made.losses.begin(), made.losses.end(),
-                    [&](const Loss& loss) { return loss.reason == reason; }));
+  std::size_t count = 0;
+  for (const auto& [key, records] : made.losses.ByKey()) {
+    count += static_cast<std::size_t>(
+        std::count_if(records.begin(), records.end(),
+                      [&](const LostRecord& record) { return record.reason == reason; }));
+  }
+  return count;
 }
 
 TEST(LargeDocument, LooksAtALargeObjectOnceThoughItStandsVeryOften) {

@@ -94,8 +94,10 @@ MemoryExport ExportOf(const Server& server, const std::string& uri, bool windows
 
 std::vector<std::string> TextsOf(const Losses& losses) {
   std::vector<std::string> texts;
-  for (const Loss& loss : losses) {
-    texts.push_back(loss.key + " | " + loss.record + " | " + loss.reason);
+  for (const auto& [key, records] : losses.ByKey()) {
+    for (const LostRecord& record : records) {
+      texts.push_back(ShownName(key) + " | " + record.shown + " | " + record.reason);
+    }
   }
   return texts;
 }

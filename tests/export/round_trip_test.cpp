@@ -65,7 +65,7 @@ void WriteDocuments(const MemoryExport& made, const TempDirectory& directory) {
 std::set<std::string> KeysOfLosses(const StoreKeys& keys, const Losses& losses) {
   std::set<std::string> lost;
   std::vector<std::string> rest;
-  for (const Loss& loss : losses) rest.push_back(loss.key);
+  for (const auto& [key, records] : losses.ByKey()) rest.push_back(key);
   while (!rest.empty()) {
     const std::string key = std::move(rest.back());
     rest.pop_back();
@@ -113,7 +113,9 @@ class RoundTrips : public testing::Test {
     ++trees;
     const MemoryExport made = ExportOf(before, uri);
     if (!made.losses.empty()) ++trees_with_losses;
-    for (const Loss& loss : made.losses) ++losses[loss.reason];
+    for (const auto& [key, records] : made.losses.ByKey()) {
+      for (const LostRecord& record : records) ++losses[record.reason];
+    }
     const ExportScope scope = {uri, true};
     const StoreKeys keys = LearnKeysOf(before, scope);
     const TempDirectory to;
