@@ -100,6 +100,8 @@ bool Folders::Take(const std::string& path) {
     for (auto& spelling : spellings) spellings_.insert(std::move(spelling));
   }
   taken_.insert(path);
+  const std::size_t slash = path.find('/');
+  if (slash != std::string::npos) first_steps_.insert(path.substr(0, slash));
   return true;
 }
 
@@ -139,7 +141,7 @@ Folder Folders::TakeSpare() {
   folder.is_spare = true;
   do {
     folder.path = "%" + std::to_string(++spares_);
-  } while (!Take(folder.path));
+  } while (first_steps_.count(folder.path) != 0 || !Take(folder.path));
   return folder;
 }
 

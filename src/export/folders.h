@@ -35,14 +35,13 @@ class Folders {
       : uri_(std::move(uri)), windows_names_(windows_names) {}
 
   /// The folder of the key's own path, also one that makes another key, if the document tells_key.
-  /// Nothing when the key is not at or below the URI, a step of
-  /// its path can be no folder's name (empty, "." and "..", with a NUL, too long, the name of the
-  /// files), there are too many of them, or the folder is taken. A slash that ends the key is no
-  /// step.
+  /// Nothing when the key is not at or below the URI, a step of its path can be no folder's name
+  /// (empty, "." and "..", with a NUL, too long, the name of the files), there are too many of
+  /// them, or the folder is taken. A slash that ends the key is no step.
   [[nodiscard]] std::optional<Folder> TakeOwn(const std::string& key, bool tells_key);
 
-  /// A folder in the top one that is not taken: "%1", "%2" and so on. After all that take their
-  /// own.
+  /// A folder in the top one that is neither taken nor on the way to one that is, where somebody
+  /// may look for another key: "%1", "%2" and so on. After all that take their own.
   [[nodiscard]] Folder TakeSpare();
 
  private:
@@ -54,6 +53,8 @@ class Folders {
   std::string uri_;
   bool windows_names_;
   std::unordered_set<std::string> taken_;
+  /// Of the paths of several steps that are taken.
+  std::unordered_set<std::string> first_steps_;
   /// With windows_names: a path in lower case -> the path that has it.
   std::unordered_map<std::string, std::string> spellings_;
   std::size_t spares_ = 0;
