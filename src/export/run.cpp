@@ -95,6 +95,12 @@ void AddLostKeys(const Snapshot& snapshot, Losses* losses) {
   }
 }
 
+void AddStrangers(const TreeOutput& output, Losses* losses) {
+  for (const std::string& path : output.Strangers()) {
+    losses->insert({path, "", "is not of this export, and a create would load it"});
+  }
+}
+
 void PrintLosses(const Losses& losses) {
   if (losses.empty()) return;
   for (const auto& [key, records] : losses.ByKey()) {
@@ -140,10 +146,12 @@ int WriteTree(redisContext* context, const ExportOptions& options) {
   AddLostKeys(snapshot, &exported.losses);
   CheckInterruption();
   output.Finish();
-  if (options.is_forced) {
-    for (const std::string& path : output.Strangers()) {
-      exported.losses.insert({path, "", "is not of this export, and a create would load it"});
-    }
+  try {
+    if (options.is_forced) AddStrangers(output, &exported.losses);
+  } catch (const std::exception&) {
+    // All is in its place, so that what does not come back is to be known all the same.
+    PrintLosses(exported.losses);
+    throw;
   }
   PrintLosses(exported.losses);
   if (exported.documents == 0) {

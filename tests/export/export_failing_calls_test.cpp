@@ -20,9 +20,9 @@ class ExportFailingCalls : public FailingCallsTest {
     (void)store.Run("HSET | /r/b/c | Name | \"C\"");
   }
 
-  FailingRun Export(const FailingCalls& failing) {
+  FailingRun Export(const FailingCalls& failing, const std::string& option = "--quiet") {
     return RunCommand(failing, CommandOf(OSTRAFEL_EXPORT_PROGRAM,
-                                         {"--quiet", "--socket", ServerSocket(), "/r", out}));
+                                         {option, "--socket", ServerSocket(), "/r", out}));
   }
 
   // Fails each call of that name in a run of its own. Expects the whole tree and status 0, or
@@ -67,6 +67,19 @@ TEST_F(ExportFailingCalls, OpenLeavesNothing) {
 
 TEST_F(ExportFailingCalls, ReaddirLeavesNothing) {
   EXPECT_GE(FailEach("readdir", ": Input/output error\n"), 1U);
+}
+
+TEST_F(ExportFailingCalls, WhatIsLostIsToldThoughOtherFilesCannotBeListed) {
+  (void)store.Run("SET | /r/other | x");
+  const FailingRun clean = Export({}, "--force");
+  EXPECT_EQ(clean.finished.status, 1) << Describe(clean);
+  const Listing whole = ListingOf(out);
+  fs::remove_all(out);
+  const FailingRun run = Export({"readdir", clean.counts.at("readdir") - 1, false, 0}, "--force");
+  EXPECT_EQ(run.finished.err,
+            clean.finished.err + "ostrafel-export: " + out + "/b/c: Input/output error\n");
+  EXPECT_EQ(run.finished.status, 2);
+  EXPECT_EQ(Difference(whole, ListingOf(out)), "");
 }
 
 }  // namespace
