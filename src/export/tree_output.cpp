@@ -70,12 +70,12 @@ void WriteWhole(int file, const std::string& text, const std::string& path) {
   }
 }
 
-// The path of a name, or of a path, below another one, which may be empty.
-std::string Below(const std::string& above, const std::string& name) {
+// The path of a name, or of a path, in another one, which may be empty.
+std::string Joined(const std::string& above, const std::string& name) {
   return above.empty() ? name : above + "/" + name;
 }
 
-std::string FileIn(const std::string& folder) { return Below(folder, kDocumentName); }
+std::string FileIn(const std::string& folder) { return Joined(folder, kDocumentName); }
 
 // Tells of all that is below the open folder, of a folder before what is in it; of no folder by way
 // of a link. What goes meanwhile is left out. Few folders are open at a time, however deep it goes.
@@ -88,13 +88,13 @@ void Walk(int top, const std::string& shown, const Take& take) {
     const Descriptor open_folder(
         openat(top, folder.empty() ? "." : folder.c_str(), kFolderFlags | O_NOFOLLOW));
     if (open_folder.Number() < 0 && errno == ENOENT) continue;
-    if (open_folder.Number() < 0) Fail(Below(shown, folder), errno);
-    for (const std::string& name : NamesIn(open_folder.Number(), Below(shown, folder))) {
-      const std::string path = Below(folder, name);
+    if (open_folder.Number() < 0) Fail(Joined(shown, folder), errno);
+    for (const std::string& name : NamesIn(open_folder.Number(), Joined(shown, folder))) {
+      const std::string path = Joined(folder, name);
       struct stat status = {};
       if (fstatat(open_folder.Number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno == ENOENT) continue;
-        Fail(Below(shown, path), errno);
+        Fail(Joined(shown, path), errno);
       }
       take(path, status.st_mode);
       if (S_ISDIR(status.st_mode)) rest.push_back(path);
@@ -214,7 +214,7 @@ void TreeOutput::CheckWay() const {
   Walk(scratch_.Number(), directory_, [&](const std::string& path, mode_t mode) {
     struct stat there = {};
     if (fstatat(top_.Number(), path.c_str(), &there, AT_SYMLINK_NOFOLLOW) != 0) return;
-    const std::string shown = Below(directory_, path);
+    const std::string shown = Joined(directory_, path);
     if (S_ISDIR(mode) && S_ISLNK(there.st_mode)) RefuseLink(shown);
     if (S_ISDIR(mode) && !S_ISDIR(there.st_mode)) Fail(shown, ENOTDIR);
     if (!S_ISDIR(mode) && S_ISDIR(there.st_mode)) Fail(shown, EISDIR);
@@ -229,8 +229,8 @@ void TreeOutput::Move(int from, int to, const std::string& path) {
     return std::pair(a == kDocumentName, a) < std::pair(b == kDocumentName, b);
   });
   for (const std::string& name : names) {
-    const std::string below = Below(path, name);
-    const std::string shown = Below(directory_, below);
+    const std::string below = Joined(path, name);
+    const std::string shown = Joined(directory_, below);
     struct stat there = {};
     const bool is_there = fstatat(to, name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0;
     if (is_there && !is_forced_) Fail(shown, EEXIST);
@@ -253,13 +253,13 @@ std::vector<std::string> TreeOutput::Strangers() const {
     const std::size_t slash = path.rfind('/');
     const bool is_in_top = slash == std::string::npos;
     const std::string name = is_in_top ? path : path.substr(slash + 1);
-    struct stat target = {};
-    const bool is_link = S_ISLNK(mode);
-    const bool is_folder =
-        is_link && fstatat(top_.Number(), path.c_str(), &target, 0) == 0 && S_ISDIR(target.st_mode);
-    if (S_ISDIR(mode) || (name != kDocumentName && !is_folder)) return;
     const std::string folder = is_in_top ? "" : path.substr(0, slash);
-    if (is_link || folders_.count(folder) == 0) strangers.push_back(Below(directory_, path));
+    bool is_taken = S_ISREG(mode) && name == kDocumentName && folders_.count(folder) == 0;
+    struct stat target = {};
+    if (S_ISLNK(mode) && fstatat(top_.Number(), path.c_str(), &target, 0) == 0) {
+      is_taken = S_ISDIR(target.st_mode) || (S_ISREG(target.st_mode) && name == kDocumentName);
+    }
+    if (is_taken) strangers.push_back(Joined(directory_, path));
   });
   std::sort(strangers.begin(), strangers.end());
   return strangers;

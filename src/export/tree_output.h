@@ -45,8 +45,8 @@ class TreeOutput {
   /// Begins a tree, in place of one that was begun before.
   void Begin();
 
-  /// Writes the file of that folder, which is a path below the top, each but once unless it is
-  /// rewritten.
+  /// Writes the file of that folder, which is a path below the top, in place of what was written
+  /// there before.
   void Write(const std::string& folder, const std::string& text);
 
   /// Takes the file of that folder away again, and folders that are empty then.
@@ -59,8 +59,9 @@ class TreeOutput {
   /// stays. Moves nothing when something is in the way.
   void Finish();
 
-  /// Files of that name, and symbolic links, that are in the folder beside what was moved there: a
-  /// load would read them. Their paths, sorted. To be asked after Finish.
+  /// Regular files of that name, symbolic links to such, and links to folders, that are in the
+  /// folder beside what was moved there: a load would take them. Their paths, sorted. To be asked
+  /// after Finish.
   [[nodiscard]] std::vector<std::string> Strangers() const;
 
  private:

@@ -200,11 +200,13 @@ TEST_F(ExportFiles, ALinkInTheWayOfAFileIsReplaced) {
   EXPECT_EQ(Difference(around, Around()), "");
 }
 
-TEST_F(ExportFiles, LinksThatALoadWouldTakeAreListed) {
-  fs::create_directories(out + "/x");
+TEST_F(ExportFiles, OnlyLinksThatALoadWouldTakeAreListed) {
+  for (const char* folder : {"/x", "/dangling", "/queue"}) fs::create_directories(out + folder);
   fs::create_symlink("../../beside", out + "/x/folder");
-  fs::create_symlink("nowhere", out + "/x/index.json");
-  fs::create_symlink("nowhere", out + "/x/harmless");
+  fs::create_symlink("../../beside/file", out + "/x/index.json");
+  fs::create_symlink("../../beside/file", out + "/x/harmless");
+  fs::create_symlink("nowhere", out + "/dangling/index.json");
+  ASSERT_EQ(mkfifo((out + "/queue/index.json").c_str(), 0600), 0);
   const Finished finished = Export({"--force", "/r", out});
   const std::string why = ": is not of this export, and a create would load it\n";
   EXPECT_EQ(finished.err, "ostrafel-export: " + out + "/x/folder" + why +
