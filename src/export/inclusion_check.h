@@ -11,7 +11,8 @@
 namespace ostrafel {
 
 /// True when a load of the file at path, a document with "&&File", makes these contents. The file
-/// that it names, of which this depends, is read as a load does (IncludeRoot).
+/// that it names, of which this depends, is read as a load does (IncludeRoot), but for what is
+/// neither a file nor a folder: that is not opened, and false.
 [[nodiscard]] bool ComesBack(const std::string& path, const std::string& listed_key,
                              const Contents& contents);
 

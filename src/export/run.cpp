@@ -58,6 +58,7 @@ DocumentText WithInclusion(const PlannedDocument& document, const ExportOptions&
     DocumentText made = WriteDocument(root, form, keys, contents);
     output->Write(folder, made.text);
     if (ComesBack(output->PathOf(folder), listed_key, contents)) return made;
+    CheckInterruption();
   }
   output->Remove(folder);
   DocumentText made = WriteDocument(root, RootForm::kWithoutInclusion, keys, contents);
