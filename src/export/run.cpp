@@ -127,6 +127,7 @@ bool IsEmptyStore(redisContext* context) {
 
 int WriteTree(redisContext* context, const ExportOptions& options) {
   CatchInterruptions(context->fd);
+  SurviveJsonMemory();
   TreeOutput output(options.static_data_path, options.is_forced);
   Exported exported;
   const DocumentTaker taker = {
@@ -136,10 +137,13 @@ int WriteTree(redisContext* context, const ExportOptions& options) {
       },
       [&](const PlannedDocument& document, const StoreKeys& keys, const Contents& contents) {
         CheckInterruption();
-        return WriteResource(document, options, keys, contents, &output, &exported);
+        WrittenKeys written = WriteResource(document, options, keys, contents, &output, &exported);
+        CheckJsonMemory();
+        return written;
       }};
   const Snapshot snapshot =
       ReadDocuments(context, {options.uri, true}, options.windows_names, taker);
+  CheckJsonMemory();
   if (exported.documents == 0 && snapshot.lost.empty() && !IsEmptyStore(context)) {
     PrintTrouble(options.uri + ": the store holds nothing at or below it");
     return kTrouble;

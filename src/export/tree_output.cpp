@@ -166,8 +166,11 @@ void TreeOutput::Begin() {
   RemoveScratch();
   folders_.clear();
   std::string name = directory_ + "/.ostrafel-export-XXXXXX";
+  // With all the memory that it needs: once the folder is there, its name must be known.
+  std::string scratch_name = name.substr(directory_.size() + 1);
   if (mkdtemp(name.data()) == nullptr) Fail(directory_, errno);
-  scratch_name_ = name.substr(directory_.size() + 1);
+  scratch_name.assign(name, directory_.size() + 1, std::string::npos);
+  scratch_name_ = std::move(scratch_name);
   scratch_ = Descriptor(openat(top_.Number(), scratch_name_.c_str(), kFolderFlags | O_NOFOLLOW));
   if (scratch_.Number() < 0) Fail(name, errno);
 }

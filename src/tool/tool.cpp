@@ -17,6 +17,8 @@ namespace ostrafel {
 
 namespace {
 
+bool is_json_memory_exhausted = false;  // since SurviveJsonMemory
+
 void PrintOutOfMemory() { PrintMessage("%s: out of memory\n", ToolName); }
 
 // For jansson, through which no exception passes.
@@ -30,7 +32,22 @@ void* AllocateOrEnd(std::size_t size) {
   return memory;
 }
 
+void* AllocateAndRemember(std::size_t size) {
+  void* memory = std::malloc(size);
+  if (memory == nullptr) is_json_memory_exhausted = true;
+  return memory;
+}
+
 }  // namespace
+
+void SurviveJsonMemory() {
+  is_json_memory_exhausted = false;
+  json_set_alloc_funcs(AllocateAndRemember, std::free);
+}
+
+void CheckJsonMemory() {
+  if (is_json_memory_exhausted) throw std::bad_alloc();
+}
 
 void PrintTrouble(const std::string& message) {
   PrintMessage("%s: %s\n", ToolName, Printable(message).c_str());

@@ -22,6 +22,13 @@ void PrintTrouble(const std::string& message);
 /// Prints what an exception says; of bad_alloc, that memory has run out.
 void PrintFailure(const std::exception& error);
 
+/// From now on, lets jansson go on where it gets no memory, as a program must that has something to
+/// take away before it ends. What comes of jansson is then to be used only after CheckJsonMemory.
+void SurviveJsonMemory();
+
+/// Raises bad_alloc when jansson got no memory since SurviveJsonMemory.
+void CheckJsonMemory();
+
 /// Calls run with argc and argv and returns its result, the exit status. Before that, opens the
 /// standard descriptors that are missing (ReserveStandardDescriptors) and lets jansson end the
 /// process where it gets no memory, which it would tell as an error in a file. What run raises is

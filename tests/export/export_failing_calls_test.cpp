@@ -20,7 +20,7 @@ class ExportFailingCalls : public FailingCallsTest {
     (void)store.Run("HSET | /r/b/c | Name | \"C\"");
   }
 
-  FailingRun Export(const FailingCalls& failing, const std::string& option = "--quiet") {
+  FailingRun Export(const FailingCalls& failing) {
     return RunCommand(failing, CommandOf(OSTRAFEL_EXPORT_PROGRAM,
                                          {option, "--socket", ServerSocket(), "/r", out}));
   }
@@ -53,6 +53,7 @@ class ExportFailingCalls : public FailingCallsTest {
   }
 
   TempDirectory place;
+  std::string option = "--quiet";
   const std::string out = place.path("out");
 };
 
@@ -71,15 +72,41 @@ TEST_F(ExportFailingCalls, ReaddirLeavesNothing) {
 
 TEST_F(ExportFailingCalls, WhatIsLostIsToldThoughOtherFilesCannotBeListed) {
   (void)store.Run("SET | /r/other | x");
-  const FailingRun clean = Export({}, "--force");
+  option = "--force";
+  const FailingRun clean = Export({});
   EXPECT_EQ(clean.finished.status, 1) << Describe(clean);
   const Listing whole = ListingOf(out);
   fs::remove_all(out);
-  const FailingRun run = Export({"readdir", clean.counts.at("readdir") - 1, false, 0}, "--force");
+  const FailingRun run = Export({"readdir", clean.counts.at("readdir") - 1, false, 0});
   EXPECT_EQ(run.finished.err,
             clean.finished.err + "ostrafel-export: " + out + "/b/c: Input/output error\n");
   EXPECT_EQ(run.finished.status, 2);
   EXPECT_EQ(Difference(whole, ListingOf(out)), "");
+}
+
+// Whether it is refused to the program itself or to jansson, which no exception passes through.
+TEST_F(ExportFailingCalls, AllocationLeavesNoFolderOfHalfATree) {
+  place.Write("www/a.json", R"({"Name": "Included", "List": [1, {"x": "y"}]})");
+  (void)store.Run(
+      "HSET | /r | &&File | \"a.json\" | Name | \"Included\" | &&Array List &&/r/List | ");
+  (void)store.Run("RPUSH | &&/r/List | 1 | &&Object &&/r/List/1");
+  (void)store.Run("HSET | &&/r/List/1 | x | \"y\"");
+  option = "--www=" + place.path("www");
+  const unsigned long count = Export({}).counts.at("allocation");
+  if (count == 0) GTEST_SKIP() << "no allocation can fail here";
+  unsigned long refused = 0;
+  for (unsigned long i = 0; i < count; ++i) {
+    fs::remove_all(out);
+    const FailingCalls failing = {"allocation", i, false, 0};
+    const FailingRun run = Export(failing);
+    if (!run.crash_module.empty()) continue;  // libraries that do not look at what they get
+    if (run.finished.status == 2) ++refused;
+    for (const auto& [path, content] : ListingOf(out)) {
+      EXPECT_EQ(path.find(".ostrafel-export-"), std::string::npos)
+          << Describe(failing) << ": " << Describe(run);
+    }
+  }
+  EXPECT_GT(refused, 0U);
 }
 
 }  // namespace

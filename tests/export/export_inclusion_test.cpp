@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Files that "&&File" of a stored resource names, and no load could have included.
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -10,6 +11,7 @@
 
 #include "export/export_fixture.h"
 #include "support/process.h"
+#include "support/repeated.h"
 
 namespace {
 
@@ -50,6 +52,31 @@ TEST_F(ExportInclusion, OpensNoFifoAndNoDevice) {
 TEST_F(ExportInclusion, LeavesOutAFolder) {
   place.MakeFolder("www/folder.json");
   ExpectLeftOut("folder.json");
+}
+
+// A sanitizer or an emulator needs memory of its own.
+bool HasMemoryOfItsOwn() {
+#if defined(__SANITIZE_ADDRESS__)
+  return false;
+#else
+  return !HasLauncher();
+#endif
+}
+
+TEST_F(ExportInclusion, LeavesNothingWhenMemoryRunsOut) {
+  if (!HasMemoryOfItsOwn()) GTEST_SKIP() << "something else uses memory, too";
+  place.Write("www/big.json", R"({"List": [)" + Repeated("1,", 2000000) + "1]}");
+  const Listing before = ListingOf(place.path());
+  RunOptions small;
+  small.in_child = [] {
+    const rlimit limit = {32UL << 20U, 32UL << 20U};
+    (void)setrlimit(RLIMIT_AS, &limit);
+  };
+  const Finished finished = ExportNaming("big.json", small);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_EQ(finished.err, "ostrafel-export: out of memory\n");
+  EXPECT_EQ(finished.status, 2);
+  EXPECT_EQ(Difference(before, ListingOf(place.path())), "");
 }
 
 }  // namespace

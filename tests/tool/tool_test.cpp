@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 #include <jansson.h>
 
+#include <cstddef>
 #include <cstdlib>
+#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -46,6 +48,24 @@ TEST(RunTool, TellsWhatIsRaised) {
 
 TEST(RunTool, TellsThatMemoryRanOut) {
   const Ran ran = RunWith([](int /*argc*/, char** /*argv*/) -> int { throw std::bad_alloc(); });
+  EXPECT_EQ(ran.status, kTrouble);
+  EXPECT_EQ(ran.err, ToolName + std::string(": out of memory\n"));
+}
+
+TEST(RunTool, MayLetJsonGoOnWithoutMemory) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the address sanitizer ends a program that asks for so much";
+#endif
+  const Ran ran = RunWith([](int /*argc*/, char** /*argv*/) {
+    SurviveJsonMemory();
+    CheckJsonMemory();
+    json_malloc_t allocate = nullptr;
+    json_free_t release = nullptr;
+    json_get_alloc_funcs(&allocate, &release);
+    EXPECT_EQ(allocate(std::numeric_limits<std::size_t>::max()), nullptr);
+    CheckJsonMemory();
+    return 0;
+  });
   EXPECT_EQ(ran.status, kTrouble);
   EXPECT_EQ(ran.err, ToolName + std::string(": out of memory\n"));
 }
