@@ -6,12 +6,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "export/export_fixture.h"
+#include "export/reached_keys.h"
 #include "memory/server_copy.h"
 #include "model/random_tree.h"
 #include "support/test_factor.h"
@@ -36,7 +36,8 @@ class ExportRoundTrip : public ExportTest {
     const Finished first = Export({"--quiet", options.uri, folder.path("1")});
     ASSERT_TRUE(first.status == 0 || first.status == 1) << first.err;
     ASSERT_NO_FATAL_FAILURE(Create(folder.path("1"), options.uri));
-    const std::string expected = ostrafel::Dump(ostrafel::CopyOf(WhatIsExported(options, before)));
+    const std::string expected =
+        ostrafel::Dump(WhatIsExported(options.uri, ostrafel::CopyOf(before)));
     if (!ComesBack(first) || expected.empty()) return;
     ASSERT_EQ(ostrafel::Difference(expected, StoreText()), "");
     ASSERT_EQ(Export({"--quiet", options.uri, folder.path("2")}).status, first.status);
@@ -44,18 +45,15 @@ class ExportRoundTrip : public ExportTest {
     ++whole;
   }
 
-  // Of what was stored, all that is at or below the URI, and of the rest what has come with it.
-  model::Store WhatIsExported(const model::RandomTreeOptions& options, model::Store before) {
-    const std::string& uri = options.uri;
-    const std::string below = uri.back() == '/' ? uri : uri + "/";
-    const model::Store now = store.Contents();
-    for (auto stored = before.begin(); stored != before.end();) {
-      const std::string& key = stored->first;
-      const bool is_exported = key == uri || key.rfind(below, 0) == 0 ||
-                               key.rfind("&&" + below, 0) == 0 || now.count(key) != 0;
-      stored = is_exported ? std::next(stored) : before.erase(stored);
+  // Of what was stored, all that is in the scope, with what its records lead to, and of the rest
+  // what has come with it.
+  ostrafel::Server WhatIsExported(const std::string& uri, const ostrafel::Server& before) {
+    ostrafel::Server exported = ostrafel::ReachedPartOf(before, {uri, true});
+    for (const auto& [key, value] : store.Contents()) {
+      const auto stored = before.keys.find(key);
+      if (stored != before.keys.end()) exported.keys.insert(*stored);
     }
-    return before;
+    return exported;
   }
 
   unsigned whole = 0;  // trees whose stores come back

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "layout/layout.h"
 #include "text/json_text.h"
 
 namespace ostrafel {
@@ -106,6 +107,7 @@ class Grower {
     model::Tree tree;
     for (std::size_t i = 0; i < folders.size(); ++i) {
       key_ = keys_[i];
+      place_ = DerivedKey(key_, "");
       model::TreeFolder& made = tree.emplace_back(model::TreeFolder{folders[i], std::nullopt});
       if (!OneIn(10)) made.document = Object(0);
     }
@@ -150,7 +152,7 @@ class Grower {
           return "/elsewhere/" + Pick(kPlainNames);
       }
     }
-    switch (Below(14)) {
+    switch (Below(16)) {
       case 0:
         return key + "#/" + Name();
       case 1:
@@ -177,9 +179,19 @@ class Grower {
         return key + "/index.json";
       case 12:
         return key + "/" + Name() + "/" + Name();
+      case 13:
+      case 14:
+        return AroundPlace();
       default:
         return key + "/" + std::string(300, 'x');
     }
+  }
+
+  // An id that holds, between blanks, the key that the object would have without it: its record may
+  // be that of another member, whose name ends where the id goes on.
+  std::string AroundPlace() {
+    const std::string end = OneIn(2) ? "/o" : "x";
+    return end + " " + place_ + " " + end;
   }
 
   // U+FFFD for the bytes of a folder's name that are no UTF-8: JSON has no others.
@@ -192,10 +204,13 @@ class Grower {
   }
 
   std::string Object(std::size_t depth) {
+    const std::string place = depth == 0 ? key_ : place_;
     Texts members;
     if (OneIn(depth == 0 ? 5 : 4)) members.push_back(IdMember());
     for (std::size_t i = Below(5); i > 0; --i) {
-      std::string member = Quoted(Name()) + ": ";
+      const std::string name = Name();
+      place_ = DerivedKey(place, name);
+      std::string member = Quoted(name) + ": ";
       members.push_back(member += Value(depth + 1));
     }
     for (std::size_t i = members.size(); i > 1; --i) std::swap(members[i - 1], members[Below(i)]);
@@ -203,8 +218,12 @@ class Grower {
   }
 
   std::string Array(std::size_t depth) {
+    const std::string place = place_;
     Texts elements;
-    for (std::size_t i = Below(4); i > 0; --i) elements.push_back(Value(depth + 1));
+    for (std::size_t i = Below(4); i > 0; --i) {
+      place_ = DerivedKey(place, std::to_string(elements.size()));
+      elements.push_back(Value(depth + 1));
+    }
     return "[" + Joined(elements) + "]";
   }
 
@@ -229,6 +248,7 @@ class Grower {
   std::size_t nastiness_ = 1;  // one in so many is nasty
   Texts keys_;                 // of the folders
   std::string key_;            // of the document that grows
+  std::string place_;          // the derived key of the value that grows, where no id says another
 };
 
 }  // namespace

@@ -19,6 +19,7 @@
 
 #include "export/memory_export.h"
 #include "export/nasty_tree.h"
+#include "export/reached_keys.h"
 #include "layout/layout.h"
 #include "memory/server_copy.h"
 #include "model/random_tree.h"
@@ -62,19 +63,10 @@ void WriteDocuments(const MemoryExport& made, const TempDirectory& directory) {
 }
 
 // What may have changed: keys with a loss, with all that their records lead to.
-std::set<std::string> KeysOfLosses(const StoreKeys& keys, const Losses& losses) {
-  std::set<std::string> lost;
-  std::vector<std::string> rest;
-  for (const auto& [key, records] : losses.ByKey()) rest.push_back(key);
-  while (!rest.empty()) {
-    const std::string key = std::move(rest.back());
-    rest.pop_back();
-    if (!lost.insert(key).second) continue;
-    const auto entry = keys.find(key);
-    if (entry == keys.end()) continue;
-    for (const Child& child : entry->second.children) rest.push_back(child.entry->first);
-  }
-  return lost;
+std::set<std::string> KeysOfLosses(const Server& before, const Losses& losses) {
+  std::vector<std::string> keys;
+  for (const auto& [key, records] : losses.ByKey()) keys.push_back(key);
+  return ReachedFrom(before, std::move(keys));
 }
 
 // True for a key that a loss at one of these keys may have moved something to.
@@ -88,13 +80,16 @@ bool IsBelowOne(const std::set<std::string>& lost, const std::string& key) {
 class RoundTrips : public testing::Test {
  protected:
   // What differs in the store that comes of an export, which is "" when nothing does that may not.
-  std::string Differ(const Server& before, const Server& after, const StoreKeys& keys,
-                     const ExportScope& scope, const Losses& listed) {
-    const std::set<std::string> lost = KeysOfLosses(keys, listed);
+  // All of the tree that is in the scope is wanted, and all that it leads to; of the rest what has
+  // come along has to be as it was.
+  static std::string Differ(const Server& before, const Server& after, const ExportScope& scope,
+                            const Losses& listed) {
+    const std::set<std::string> lost = KeysOfLosses(before, listed);
+    const std::set<std::string> reached = ReachedFrom(before, scope);
     Server wanted;
     Server found;
     for (const auto& [key, value] : before.keys) {
-      const bool is_wanted = IsInScope(scope, key) || after.keys.count(key) != 0;
+      const bool is_wanted = reached.count(key) != 0 || after.keys.count(key) != 0;
       if (is_wanted && lost.count(key) == 0) wanted.keys.emplace(key, value);
     }
     for (const auto& [key, value] : after.keys) {
@@ -117,13 +112,12 @@ class RoundTrips : public testing::Test {
       for (const LostRecord& record : records) ++losses[record.reason];
     }
     const ExportScope scope = {uri, true};
-    const StoreKeys keys = LearnKeysOf(before, scope);
     const TempDirectory to;
     WriteDocuments(made, to);
     for (int order = 0; order < 4; ++order) {
       Server after;
       const Played played = Create(to.path(), uri, generator, &after);
-      const std::string difference = Differ(before, after, keys, scope, made.losses);
+      const std::string difference = Differ(before, after, scope, made.losses);
       if (played.status == 0 && difference.empty()) {
         if (!made.losses.empty()) continue;
         ASSERT_EQ(ExportOf(after, uri).documents, made.documents);
@@ -170,6 +164,20 @@ TEST_F(RoundTrips, OfPartsThatTwoResourcesNameChangeNothing) {
   }
   EXPECT_EQ(trees, trees_of_two.size());
   EXPECT_EQ(trees_with_losses, 0U);
+}
+
+// The same record could be that of an empty object whose name ends where the id goes on.
+TEST_F(RoundTrips, OfAnIdThatHoldsTheKeyOfItsPlaceChangeNothingThatIsNotListed) {
+  for (const std::string id : {"/o &&/r/a /o", "x &&/r/a x"}) {
+    SCOPED_TRACE(id);
+    std::mt19937_64 generator(1);
+    const model::Tree tree = {{"", R"({"a": {"@odata.id": ")" + id + R"(", "v": 1}})"}};
+    EXPECT_NO_FATAL_FAILURE(ExpectBack(tree, "/r", generator));
+  }
+  EXPECT_EQ(trees, 2U);
+  for (const auto& [reason, count] : losses) {
+    EXPECT_EQ(reason, "can be read in more than one way") << count;
+  }
 }
 
 TEST_F(RoundTrips, OfNastyTreesChangeNothingThatIsNotListed) {
