@@ -31,29 +31,18 @@ class ExportRoundTrip : public ExportTest {
     model::WriteRandomTree(generator, tree.path(), options);
     (void)store.Run("FLUSHALL");
     if (RunProgram(ProgramCommand({"create", tree.path(), options.uri})).status != 0) return;
-    const model::Store before = store.Contents();
+    const ostrafel::Server before = ostrafel::CopyOf(store.Contents());
     const TempDirectory folder;
     const Finished first = Export({"--quiet", options.uri, folder.path("1")});
     ASSERT_TRUE(first.status == 0 || first.status == 1) << first.err;
     ASSERT_NO_FATAL_FAILURE(Create(folder.path("1"), options.uri));
-    const std::string expected =
-        ostrafel::Dump(WhatIsExported(options.uri, ostrafel::CopyOf(before)));
+    const std::string expected = ostrafel::Dump(
+        ostrafel::WhatIsExported(before, {options.uri, true}, ostrafel::CopyOf(store.Contents())));
     if (!ComesBack(first) || expected.empty()) return;
     ASSERT_EQ(ostrafel::Difference(expected, StoreText()), "");
     ASSERT_EQ(Export({"--quiet", options.uri, folder.path("2")}).status, first.status);
     ASSERT_EQ(Difference(ListingOf(folder.path("1")), ListingOf(folder.path("2"))), "");
     ++whole;
-  }
-
-  // Of what was stored, all that is in the scope, with what its records lead to, and of the rest
-  // what has come with it.
-  ostrafel::Server WhatIsExported(const std::string& uri, const ostrafel::Server& before) {
-    ostrafel::Server exported = ostrafel::ReachedPartOf(before, {uri, true});
-    for (const auto& [key, value] : store.Contents()) {
-      const auto stored = before.keys.find(key);
-      if (stored != before.keys.end()) exported.keys.insert(*stored);
-    }
-    return exported;
   }
 
   unsigned whole = 0;  // trees whose stores come back

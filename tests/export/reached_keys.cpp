@@ -86,11 +86,15 @@ std::set<std::string> ReachedFrom(const Server& server, const ExportScope& scope
   return ReachedFrom(server, std::move(keys));
 }
 
-Server ReachedPartOf(const Server& server, const ExportScope& scope) {
-  Server part;
-  for (const std::string& key : ReachedFrom(server, scope))
-    part.keys.insert(*server.keys.find(key));
-  return part;
+Server WhatIsExported(const Server& before, const ExportScope& scope, const Server& after) {
+  const std::set<std::string> reached = ReachedFrom(before, scope);
+  Server exported;
+  for (const auto& entry : before.keys) {
+    if (reached.count(entry.first) != 0 || after.keys.count(entry.first) != 0) {
+      exported.keys.insert(entry);
+    }
+  }
+  return exported;
 }
 
 }  // namespace ostrafel

@@ -24,9 +24,11 @@ namespace ostrafel {
 /// All that is in the scope, and what its records lead to.
 [[nodiscard]] std::set<std::string> ReachedFrom(const Server& server, const ExportScope& scope);
 
-/// The store without what is not reached from the scope. Of that, an export that lists nothing
-/// loses nothing.
-[[nodiscard]] Server ReachedPartOf(const Server& server, const ExportScope& scope);
+/// What a create of an export of the scope has to leave in an empty store when nothing was listed:
+/// what is reached from the scope and, of the rest, what has come along to after, which is what it
+/// did leave.
+[[nodiscard]] Server WhatIsExported(const Server& before, const ExportScope& scope,
+                                    const Server& after);
 
 }  // namespace ostrafel
 

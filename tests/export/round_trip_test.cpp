@@ -85,13 +85,9 @@ class RoundTrips : public testing::Test {
   static std::string Differ(const Server& before, const Server& after, const ExportScope& scope,
                             const Losses& listed) {
     const std::set<std::string> lost = KeysOfLosses(before, listed);
-    const std::set<std::string> reached = ReachedFrom(before, scope);
-    Server wanted;
+    Server wanted = WhatIsExported(before, scope, after);
+    for (const std::string& key : lost) wanted.keys.erase(key);
     Server found;
-    for (const auto& [key, value] : before.keys) {
-      const bool is_wanted = reached.count(key) != 0 || after.keys.count(key) != 0;
-      if (is_wanted && lost.count(key) == 0) wanted.keys.emplace(key, value);
-    }
     for (const auto& [key, value] : after.keys) {
       if (lost.count(key) != 0 || (wanted.keys.count(key) == 0 && IsBelowOne(lost, key))) continue;
       found.keys.emplace(key, value);
