@@ -8,9 +8,12 @@
 //   0x04        what the keys likely hold is known
 //   0x08        the server asks for a password
 //   0x30        the program gets 1, 2, 7 or any number of bytes at once
+//   0x40        one key after the other is given away: of one transaction or, with 0x02, of
+//               pipelines
 //
 // Whatever they are, the store is read or a runtime_error says why not, and nothing is sent but
 // questions. What was read are keys that hold something, each of the scope or named in an answer.
+// What is given away comes in the order in which it was asked for, and all of it.
 // The bytes end, so a SCAN that goes round in circles does.
 #include <algorithm>
 #include <array>
@@ -19,12 +22,14 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "fuzz/arena.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/machine.h"
 #include "fuzz/memory_server.h"
+#include "live/key_stream.h"
 #include "live/server_choice.h"
 #include "live/store_reading.h"
 
@@ -38,16 +43,84 @@ struct Selection {
   bool is_likely = false;
   bool has_password = false;
   std::size_t bytes_at_once = 1;
+  bool is_stream = false;
 };
 
 Selection Select(unsigned char selector) {
   constexpr std::array<std::size_t, 4> bytes_at_once = {1, 2, 7, std::size_t{1} << 20};
-  return {(selector & 0x01U) != 0, (selector & 0x02U) != 0, (selector & 0x04U) != 0,
-          (selector & 0x08U) != 0, bytes_at_once[(selector & 0x30U) >> 4U]};
+  return {(selector & 0x01U) != 0,
+          (selector & 0x02U) != 0,
+          (selector & 0x04U) != 0,
+          (selector & 0x08U) != 0,
+          bytes_at_once[(selector & 0x30U) >> 4U],
+          (selector & 0x40U) != 0};
+}
+
+bool IsEmpty(const ostrafel::Stored& value) {
+  if (const auto* hash = std::get_if<ostrafel::Hash>(&value)) return hash->empty();
+  const auto* list = std::get_if<ostrafel::List>(&value);
+  return list != nullptr && list->empty();
+}
+
+// What is given away of a stream.
+class Stream {
+ public:
+  [[nodiscard]] ostrafel::TakeKeyName TakeName() {
+    return [this](std::string_view name) {
+      if (next_ != 0) ReportDifference("a name", "before the keys", std::string(name));
+      names_.emplace_back(name);
+    };
+  }
+
+  [[nodiscard]] ostrafel::TakeKey TakeKey() {
+    return [this](std::size_t place, std::optional<ostrafel::Stored> value) {
+      if (place != next_++ || place >= keys_.size()) {
+        ReportDifference("the place of a key", "the next", std::to_string(place));
+      }
+      if (!value) return;
+      const bool is_gone = IsEmpty(*value);
+      if (!is_gone && KeyTypeOf(*value) != to_read_[place].type) {
+        ReportDifference("the type of a key", "what was asked for", keys_[place]);
+      }
+      if (!is_gone) store_.keys[keys_[place]] = std::move(*value);
+    };
+  }
+
+  // What has come, once the reading has ended well.
+  [[nodiscard]] Reading Finish(std::string_view answers) {
+    if (next_ != keys_.size()) ReportDifference("the keys", "all", std::to_string(next_));
+    for (const std::string& name : names_) {
+      if (answers.find(name) == std::string_view::npos) {
+        ReportDifference("a name", "in an answer", name);
+      }
+    }
+    return {std::move(store_), {}};
+  }
+
+  [[nodiscard]] const std::vector<ostrafel::KeyToRead>& to_read() const { return to_read_; }
+
+ private:
+  const std::array<std::string, 3> keys_ = {"/h", "/l", "/none"};
+  const std::vector<ostrafel::KeyToRead> to_read_ = {{&keys_[0], ostrafel::KeyType::kHash},
+                                                     {&keys_[1], ostrafel::KeyType::kList},
+                                                     {&keys_[2], ostrafel::KeyType::kOther}};
+  std::size_t next_ = 0;
+  std::vector<std::string> names_;
+  ostrafel::Server store_;
+};
+
+Reading ReadStream(redisContext* context, const Selection& selection, std::string_view answers) {
+  Stream stream;
+  if (selection.keys_only) {
+    StreamKeys(context, stream.to_read(), stream.TakeKey());
+  } else {
+    StreamKeysAtOnce(context, {"/*", "*"}, stream.to_read(), stream.TakeName(), stream.TakeKey());
+  }
+  return stream.Finish(answers);
 }
 
 // Nothing when it is refused.
-std::optional<Reading> Read(const Selection& selection) {
+std::optional<Reading> Read(const Selection& selection, std::string_view answers) {
   const ostrafel::ReadingScope scope = {{"/*", "*"}, {"/h", "/l", "/none"}};
   ostrafel::Server likely;
   if (selection.is_likely) {
@@ -59,6 +132,7 @@ std::optional<Reading> Read(const Selection& selection) {
   if (selection.has_password) choice.password = "secret";
   try {
     const ostrafel::StoreConnection connection = ostrafel::ConnectTo(choice);
+    if (selection.is_stream) return ReadStream(connection.get(), selection, answers);
     if (selection.keys_only) return Reading{ReadKeys(connection.get(), scope.keys, likely), {}};
     return ReadStore(connection.get(), scope, likely,
                      selection.in_parts ? 1 : ostrafel::kKeysAtOnce);
@@ -75,12 +149,6 @@ void CheckCommands(const std::vector<model::Command>& commands) {
       ReportDifference("the commands", "questions", command[0]);
     }
   }
-}
-
-bool IsEmpty(const ostrafel::Stored& value) {
-  if (const auto* hash = std::get_if<ostrafel::Hash>(&value)) return hash->empty();
-  const auto* list = std::get_if<ostrafel::List>(&value);
-  return list != nullptr && list->empty();
 }
 
 void CheckReading(const Reading& reading, std::string_view answers) {
@@ -111,7 +179,7 @@ void TestOneInput(std::string_view input) {
   std::optional<Reading> reading;
   {
     const OnMachine on_machine(&machine);
-    reading = Read(selection);
+    reading = Read(selection, input);
   }
   CheckCommands(server.commands());
   if (reading) CheckReading(*reading, input);
