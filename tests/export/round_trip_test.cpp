@@ -176,6 +176,18 @@ TEST_F(RoundTrips, OfAnIdThatHoldsTheKeyOfItsPlaceChangeNothingThatIsNotListed) 
   }
 }
 
+TEST_F(RoundTrips, OfAPartAtTheKeyThatAnIdHoldsChangeNothingThatIsNotListed) {
+  for (const char* document :
+       {R"({"a": {"@odata.id": "/o &&/r/a /o", "v": 1}, "a ": {"o": {"k": 2}}})",
+        R"({"b": {"@odata.id": "/o &&/r/a /o", "v": 1}, "a /o": {"k": 2}})",
+        R"({"b": {"@odata.id": "/o", "v": 1}, "a /o": {"k": 2}})"}) {
+    SCOPED_TRACE(document);
+    std::mt19937_64 generator(1);
+    EXPECT_NO_FATAL_FAILURE(ExpectBack({{"", document}}, "/r", generator));
+  }
+  EXPECT_EQ(trees, 3U);
+}
+
 TEST_F(RoundTrips, OfNastyTreesChangeNothingThatIsNotListed) {
   const std::vector<std::string> uris = {"/redfish", "/redfish/", "/redfish/v1", "/", "/a b"};
   const std::uint64_t count = 300 * TestFactor();
