@@ -3,6 +3,7 @@
 
 #include "export/reached_keys.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -11,22 +12,37 @@
 #include "layout/layout.h"
 #include "layout/resource_id.h"
 #include "layout/value_rendering.h"
+#include "text/utf8.h"
 
 namespace ostrafel {
 
 namespace {
 
 constexpr std::string_view kObjectMarker = "&&Object ";
+constexpr std::string_view kObjectRefMarker = "&&ObjectRef ";
 constexpr std::string_view kArrayMarker = "&&Array ";
 
+// True of a field that an object with an id may have beside it.
+bool IsOtherMember(std::string_view field) {
+  if (!IsText(field) || field == IdMember) return false;
+  for (const std::string_view marker : {kObjectMarker, kObjectRefMarker, kArrayMarker}) {
+    if (StartsWith(field, std::string(marker) + IdMember + ' ')) return false;
+  }
+  return true;
+}
+
+// True of what a create makes of an object that says its key: with nothing beside the id it would
+// be a link.
 bool HoldsItsKey(const std::string& key, const Stored& value) {
   const Hash* hash = std::get_if<Hash>(&value);
-  if (hash == nullptr) return false;
+  if (hash == nullptr || !IsText(key)) return false;
   const auto id = hash->find(IdMember);
   if (id == hash->end()) return false;
   std::string text = key;
   EscapeText(text);
-  return id->second == '"' + text + '"';
+  return id->second == '"' + text + '"' &&
+         std::any_of(hash->begin(), hash->end(),
+                     [](const auto& record) { return IsOtherMember(record.first); });
 }
 
 // Calls found with all that the record of this hash leads to.
