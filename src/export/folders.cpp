@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/affixes.h"
+#include "layout/layout.h"
 
 namespace ostrafel {
 
@@ -123,7 +124,7 @@ std::optional<Folder> Folders::TakeOwn(const std::string& key, bool tells_key) {
   std::optional<std::string> path = "";
   std::string_view rest;
   if (key != uri_) {
-    const std::string below = EndsWith(uri_, "/") ? uri_ : uri_ + "/";
+    const std::string below = SubtreeStart(uri_);
     if (!StartsWith(key, below)) return std::nullopt;
     rest = std::string_view(key).substr(below.size());
     const std::size_t end = rest.size() - (EndsWith(rest, "/") ? 1 : 0);

@@ -136,13 +136,11 @@ void FollowRecords(const KeySource& source, std::vector<KeyEntry*> entries, Stor
   }
 }
 
-std::string Below(const std::string& uri) { return EndsWith(uri, "/") ? uri : uri + "/"; }
-
 }  // namespace
 
 std::vector<std::string> PatternsOf(const ExportScope& scope) {
   if (!scope.is_whole) return {};
-  const std::string below = Below(scope.uri);
+  const std::string below = SubtreeStart(scope.uri);
   const std::string parts = DerivedKey(scope.uri, "");
   // A server looks through all of its keys for each pattern, so that one is better than two.
   if (EndsWith(parts, below)) return {"*" + EscapeGlob(below) + "*"};
@@ -152,7 +150,7 @@ std::vector<std::string> PatternsOf(const ExportScope& scope) {
 bool IsInScope(const ExportScope& scope, const std::string& key) {
   if (key == scope.uri) return true;
   return scope.is_whole &&
-         (StartsWith(key, Below(scope.uri)) || StartsWith(key, DerivedKey(scope.uri, "")));
+         (StartsWith(key, SubtreeStart(scope.uri)) || StartsWith(key, DerivedKey(scope.uri, "")));
 }
 
 bool IsResource(const KeyEntry& entry) {

@@ -78,10 +78,9 @@ std::string DerivedKey(const std::string& parent_key, const std::string& name) {
   return key;
 }
 
-std::string SubtreePattern(const std::string& key) {
-  const bool ends_with_slash = !key.empty() && key.back() == '/';
-  return key + (ends_with_slash ? "*" : "/*");
-}
+std::string SubtreeStart(const std::string& key) { return EndsWith(key, "/") ? key : key + "/"; }
+
+std::string SubtreePattern(const std::string& key) { return SubtreeStart(key) + "*"; }
 
 bool IsTwinPattern(std::string_view pattern) { return StartsWith(pattern, InternalPrefix); }
 

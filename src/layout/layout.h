@@ -82,8 +82,11 @@ void NormalizeKey(std::string& key);
 /// array, parent_key is the list and name the decimal index.
 [[nodiscard]] std::string DerivedKey(const std::string& parent_key, const std::string& name);
 
-/// The glob pattern, as SCAN MATCH and KEYS take it, of all keys below key: key + "/*", or key +
-/// "*" when key ends with a slash. Glob characters in key keep their meaning.
+/// What the keys below key begin with: key + "/", or key when it ends with a slash.
+[[nodiscard]] std::string SubtreeStart(const std::string& key);
+
+/// The glob pattern, as SCAN MATCH and KEYS take it, of all keys below key: SubtreeStart and "*".
+/// Glob characters in key keep their meaning.
 [[nodiscard]] std::string SubtreePattern(const std::string& key);
 
 /// True when pattern, of a subtree, matches derived keys only: it begins with "&&".
