@@ -84,7 +84,8 @@ WrittenKeys WriteResource(const PlannedDocument& document, const ExportOptions& 
   if (folder.is_spare) {
     exported->losses.insert({root.first, "", kNoFolder + (": it stands in " + folder.path)});
   }
-  output->Write(folder.path, made.text);
+  // One that includes a file has been written to be tried.
+  if (!output->Has(folder.path)) output->Write(folder.path, made.text);
   ++exported->documents;
   return std::move(made.keys);
 }

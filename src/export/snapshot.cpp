@@ -37,7 +37,7 @@ class DocumentReading {
   void ReadAtOnce() {
     Begin();
     StreamKeysAtOnce(
-        context_, PatternsOf(scope_), KeysToRead(plan_.keys),
+        context_, PatternsOf(scope_), ReadsOf(plan_.keys),
         [&](std::string_view name) { CheckName(std::string(name)); },
         [&](std::size_t place, std::optional<Stored> value) {
           const KeyEntry& entry = *plan_.keys[place];
@@ -55,19 +55,18 @@ class DocumentReading {
     Begin();
     Contents held;
     const bool is_held = Hold(restless, &held);
-    StreamKeys(context_, KeysToRead(plan_.keys),
-               [&](std::size_t place, std::optional<Stored> value) {
-                 const KeyEntry& entry = *plan_.keys[place];
-                 const auto kept = held.find(&entry);
-                 if (kept != held.end()) {
-                   Keep(entry, kept->second);
-                 } else if (!value || DigestOf(*value) != entry.second.content) {
-                   unsteady_.insert(entry.first);
-                 } else {
-                   Keep(entry, *std::move(value));
-                 }
-                 GoOn(place);
-               });
+    StreamKeys(context_, ReadsOf(plan_.keys), [&](std::size_t place, std::optional<Stored> value) {
+      const KeyEntry& entry = *plan_.keys[place];
+      const auto kept = held.find(&entry);
+      if (kept != held.end()) {
+        Keep(entry, kept->second);
+      } else if (!value || DigestOf(*value) != entry.second.content) {
+        unsteady_.insert(entry.first);
+      } else {
+        Keep(entry, *std::move(value));
+      }
+      GoOn(place);
+    });
     std::vector<std::string> names;
     for (const std::string& pattern : PatternsOf(scope_)) ScanKeys(context_, pattern, &names);
     for (const std::string& name : names) {
@@ -88,7 +87,7 @@ class DocumentReading {
   }
 
  private:
-  static std::vector<KeyToRead> KeysToRead(const std::vector<KeyEntry*>& entries) {
+  static std::vector<KeyToRead> ReadsOf(const std::vector<KeyEntry*>& entries) {
     std::vector<KeyToRead> keys;
     keys.reserve(entries.size());
     for (const KeyEntry* entry : entries) keys.push_back({&entry->first, entry->second.type});

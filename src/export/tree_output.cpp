@@ -179,7 +179,7 @@ void TreeOutput::Write(const std::string& folder, const std::string& text) {
   const std::string path = FileIn(folder);
   MakeFolders(scratch_.Number(), folder, directory_);
   // Where a file system takes two names for one, nothing is overwritten.
-  const int how = folders_.count(folder) != 0 ? O_TRUNC : O_CREAT | O_EXCL;
+  const int how = Has(folder) ? O_TRUNC : O_CREAT | O_EXCL;
   Descriptor file(
       openat(scratch_.Number(), path.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC | how, 0666));
   if (file.Number() < 0) Fail(directory_ + "/" + path, errno);

@@ -49,6 +49,9 @@ class TreeOutput {
   /// there before.
   void Write(const std::string& folder, const std::string& text);
 
+  /// True when the file of that folder is there.
+  [[nodiscard]] bool Has(const std::string& folder) const { return folders_.count(folder) != 0; }
+
   /// Takes the file of that folder away again, and folders that are empty then.
   void Remove(const std::string& folder);
 
